@@ -1,0 +1,70 @@
+# How a folder becomes a library, a program or a test. All compiler settings of the project stand here.
+
+add_library(kestrel_options INTERFACE)
+target_compile_options(kestrel_options INTERFACE
+    -Wall -Wextra -Wshadow -Wconversion -Wnon-virtual-dtor -Woverloaded-virtual -Werror
+    # ccache and the sanitizers name files by their place in the project, not on this machine
+    -ffile-prefix-map=${PROJECT_SOURCE_DIR}/=)
+target_compile_definitions(kestrel_options INTERFACE
+    QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_URL_CAST_FROM_STRING QT_NO_KEYWORDS QT_NO_FOREACH
+    KESTREL_VERSION="${PROJECT_VERSION}")
+target_include_directories(kestrel_options INTERFACE ${PROJECT_SOURCE_DIR}/src)
+
+if(KESTREL_SANITIZE)
+    # fuzzer-no-link: the fuzz targets link these very libraries
+    set(sanitizers -fsanitize=address,undefined,fuzzer-no-link -fno-sanitize-recover=all -fno-omit-frame-pointer)
+    if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+        list(TRANSFORM sanitizers REPLACE ",fuzzer-no-link" "")
+    endif()
+    add_compile_options(${sanitizers})
+    add_link_options(${sanitizers})
+endif()
+
+# One folder of src/ is one static library: Kestrel::<folder>. LINK names what the folder may include.
+function(kestrel_library folder)
+    cmake_parse_arguments(ARG "" "" "SOURCES;LINK" ${ARGN})
+    add_library(kestrel_${folder} STATIC ${ARG_SOURCES})
+    add_library(Kestrel::${folder} ALIAS kestrel_${folder})
+    target_link_libraries(kestrel_${folder} PUBLIC kestrel_options ${ARG_LINK})
+endfunction()
+
+function(kestrel_program name)
+    cmake_parse_arguments(ARG "" "" "SOURCES;LINK" ${ARGN})
+    add_executable(${name} ${ARG_SOURCES})
+    target_link_libraries(${name} PRIVATE kestrel_options ${ARG_LINK})
+endfunction()
+
+# What every test runs with: folders of its own instead of the person's, no bus, an awkward zone and language.
+# QT_NO_GLIB is not set: libsecret needs the GLib dispatcher.
+set(KESTREL_TEST_ENVIRONMENT
+    "HOME=${CMAKE_BINARY_DIR}/test-home"
+    "XDG_CONFIG_HOME=${CMAKE_BINARY_DIR}/test-home/config"
+    "XDG_DATA_HOME=${CMAKE_BINARY_DIR}/test-home/data"
+    "XDG_STATE_HOME=${CMAKE_BINARY_DIR}/test-home/state"
+    "XDG_CACHE_HOME=${CMAKE_BINARY_DIR}/test-home/cache"
+    "DBUS_SESSION_BUS_ADDRESS=unix:path=/nonexistent"
+    "QT_QPA_PLATFORM=offscreen"
+    "TZ=America/St_Johns"
+    "LANG=C.UTF-8"
+    "LC_ALL=C.UTF-8"
+    "ASAN_OPTIONS=detect_leaks=1"
+    "LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/support/lsan.supp:print_suppressions=0"
+    "UBSAN_OPTIONS=print_stacktrace=1")
+
+# A Qt Test program in tests/<folder>/. WRAPPER is a command line that starts it (a private bus, say).
+function(kestrel_test name)
+    cmake_parse_arguments(ARG "" "TIMEOUT" "SOURCES;LINK;WRAPPER;ENVIRONMENT" ${ARGN})
+    if(NOT ARG_SOURCES)
+        set(ARG_SOURCES ${name}.cpp)
+    endif()
+    if(NOT ARG_TIMEOUT)
+        set(ARG_TIMEOUT 60)
+    endif()
+    add_executable(${name} ${ARG_SOURCES})
+    target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests)
+    target_link_libraries(${name} PRIVATE kestrel_options ${ARG_LINK} Qt6::Test)
+    add_test(NAME ${name} COMMAND ${ARG_WRAPPER} $<TARGET_FILE:${name}>)
+    set_tests_properties(${name} PROPERTIES
+        TIMEOUT ${ARG_TIMEOUT}
+        ENVIRONMENT "${KESTREL_TEST_ENVIRONMENT};${ARG_ENVIRONMENT}")
+endfunction()

@@ -1,0 +1,74 @@
+#pragma once
+#include "auth/AuthErrors.h"
+#include "auth/GoogleConfiguration.h"
+#include "auth/TokenRefresher.h"
+#include "auth/TokenStore.h"
+#include "auth/UserInfo.h"
+#include "base/Clock.h"
+#include <QCoro/QCoroTask>
+#include <QObject>
+#include <QString>
+#include <expected>
+#include <optional>
+
+namespace kestrel {
+
+class HttpTransport;
+class SecretStore;
+class UrlOpener;
+
+/// What every account's sign-in stands on; all of it outlives every GoogleOAuth.
+struct AuthServices
+{
+    SecretStore &secrets;
+    HttpTransport &transport;
+    UrlOpener &opener;
+    const Clock &clock;
+    GoogleEndpoints endpoints;
+    GoogleClient client;
+    QString secretService; ///< the `service` attribute of this instance's secrets
+};
+
+/// Signs one Google account in through the browser (authorization code with PKCE, RFC 7636, over a loopback
+/// redirect), keeps a valid access token at hand, and forgets everything at sign-out. Tokens live in the secret store
+/// alone; every accessToken() reads them back. Main thread only.
+class GoogleOAuth final : public QObject
+{
+    Q_OBJECT
+    Q_PROPERTY(bool isSignedIn READ isSignedIn NOTIFY isSignedInChanged)
+public:
+    /// Starts reading the refresh token; isSignedIn follows when it was read, and again whenever a locked or missing
+    /// secret store opens.
+    GoogleOAuth(QString accountID, const AuthServices &services, QObject *parent = nullptr);
+    ~GoogleOAuth() override;
+
+    [[nodiscard]] const QString &accountID() const { return m_accountID; }
+    [[nodiscard]] bool isSignedIn() const { return m_isSignedIn; }
+    /// As the user-info endpoint reported it.
+    [[nodiscard]] const std::optional<QString> &accountEmail() const { return m_accountEmail; }
+
+    /// The whole way through the browser; takes as long as the person does, at most two minutes.
+    [[nodiscard]] QCoro::Task<std::expected<void, AuthError>> signIn();
+    /// A bearer token that is good for a minute at least.
+    [[nodiscard]] QCoro::Task<std::expected<QString, AuthError>> accessToken();
+    /// A new one, whatever the stored one's expiry says.
+    [[nodiscard]] QCoro::Task<std::expected<QString, AuthError>> refreshAccessToken();
+    /// Nothing when the endpoint answers with anything but 200.
+    [[nodiscard]] QCoro::Task<std::expected<std::optional<Google::UserInfo>, AuthError>> fetchUserInfo();
+    /// Revokes what it can and deletes both tokens.
+    [[nodiscard]] QCoro::Task<std::expected<void, KeychainError>> signOut();
+
+Q_SIGNALS:
+    void isSignedInChanged();
+    void accountEmailChanged();
+
+private:
+    QString m_accountID;
+    AuthServices m_services;
+    TokenStore m_store;
+    TokenRefresher m_refresher;
+    bool m_isSignedIn = false;
+    std::optional<QString> m_accountEmail;
+};
+
+} // namespace kestrel

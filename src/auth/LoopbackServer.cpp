@@ -1,0 +1,1 @@
+#include "auth/LoopbackServer.h"

@@ -1,0 +1,1 @@
+#include "google/GoogleCalendarClient.h"

@@ -1,0 +1,64 @@
+#pragma once
+#include "auth/GoogleOAuth.h"
+#include "google/AccountRegistry.h"
+#include "google/GoogleCalendarClient.h"
+#include "google/GoogleEventMapper.h"
+#include <QMap>
+#include <QObject>
+#include <map>
+#include <memory>
+
+namespace kestrel {
+
+/// Why an account's meetings could not be had as a whole. Failures of single calendars are none: they are logged, and
+/// the calendar contributes nothing.
+struct FetchError
+{
+    enum class Kind {
+        Superseded, ///< a newer fetch took this one's place while both waited for a network: keep what is known
+        AccountGone, ///< the account was signed out meanwhile
+    };
+    Kind kind = Kind::Superseded;
+
+    [[nodiscard]] QString description() const;
+};
+
+/// The one source of meetings: keeps a session per signed-in Google account. Main thread only.
+class GoogleProvider final : public QObject
+{
+    Q_OBJECT
+public:
+    struct Session;
+
+    GoogleProvider(AccountRegistry &registry, const AuthServices &services, QObject *parent = nullptr);
+    ~GoogleProvider() override;
+
+    /// The calendars last listed for each account, in the API's order.
+    [[nodiscard]] const QMap<QString, QList<ProviderCalendar>> &calendarsByAccount() const
+    {
+        return m_calendarsByAccount;
+    }
+    /// The account's sign-in, created when there is none yet.
+    [[nodiscard]] GoogleOAuth &oauth(const QString &accountID);
+
+    [[nodiscard]] QCoro::Task<std::expected<CalendarAccount, AuthError>> signIn();
+    [[nodiscard]] QCoro::Task<std::expected<void, KeychainError>> signOut(QString accountID);
+    [[nodiscard]] QCoro::Task<std::expected<QList<ProviderCalendar>, CalendarFailure>> loadCalendars(QString accountID);
+    /// The meetings of the given calendars, or of the primary one when none is given, by start.
+    [[nodiscard]] QCoro::Task<std::expected<QList<Meeting>, FetchError>>
+    fetchUpcomingMeetings(QString accountID, QStringList calendarIDs, Instant from, Instant to);
+
+Q_SIGNALS:
+    void calendarsByAccountChanged();
+    /// An account's refresh token was read, vanished, or can be read again.
+    void signedInChanged(const QString &accountID);
+
+private:
+    AccountRegistry &m_registry;
+    AuthServices m_services;
+    GoogleEventMapper m_mapper;
+    QMap<QString, QList<ProviderCalendar>> m_calendarsByAccount;
+    std::map<QString, std::shared_ptr<Session>> m_sessions;
+};
+
+} // namespace kestrel

@@ -1,0 +1,1 @@
+#include "hotkeys/HotkeyAction.h"

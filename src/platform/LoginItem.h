@@ -1,0 +1,20 @@
+#pragma once
+#include <QString>
+#include <expected>
+
+namespace kestrel {
+
+/// Whether Kestrel starts with the person's session.
+class LoginItem
+{
+public:
+    LoginItem() = default;
+    LoginItem(const LoginItem &) = delete;
+    LoginItem &operator=(const LoginItem &) = delete;
+    virtual ~LoginItem() = default;
+
+    /// The error is a description of what went wrong.
+    [[nodiscard]] virtual std::expected<void, QString> setEnabled(bool enabled) = 0;
+};
+
+} // namespace kestrel

@@ -1,0 +1,1 @@
+#include "preferences/Preferences.h"
