@@ -9,9 +9,10 @@ namespace kestrel {
 
 class PreferenceStore;
 
-/// The persistent list of signed-in accounts, in the order they were added. Every edit changes the list, announces
-/// it and saves in one turn. Stored data that does not decode reads as no accounts and stays until the next edit.
-/// Main thread only; the store must outlive it.
+/// The persistent list of signed-in accounts, in the order they were added. Every edit changes the list,
+/// announces it and saves in one turn. Stored data that does not decode reads as no accounts and stays until
+/// the next edit. Follows the store when another process changes it. Main thread only; the store must outlive
+/// it.
 class AccountRegistry final : public QObject
 {
     Q_OBJECT
@@ -33,8 +34,10 @@ Q_SIGNALS:
     void accountsChanged();
 
 private:
-    void load();
-    void save() const;
+    /// Nothing when the stored data does not decode; no accounts when there is none.
+    [[nodiscard]] std::optional<QList<CalendarAccount>> stored() const;
+    void loadAgain();
+    void announceAndSave();
 
     PreferenceStore &m_preferenceStore;
     QList<CalendarAccount> m_accounts;
