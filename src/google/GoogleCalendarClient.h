@@ -4,6 +4,7 @@
 #include <QCoro/QCoroTask>
 #include <QUrl>
 #include <expected>
+#include <memory>
 #include <optional>
 #include <variant>
 
@@ -11,6 +12,7 @@ namespace kestrel {
 
 class GoogleOAuth;
 class HttpTransport;
+class PageTurns;
 
 struct CalendarError
 {
@@ -30,12 +32,14 @@ using CalendarFailure = std::variant<CalendarError, AuthError>;
 /// A newer read for the same calendar took this one's place while both waited for a network.
 [[nodiscard]] bool isSuperseded(const CalendarFailure &failure);
 
-/// The two reads of the Google Calendar API v3 for one account. Keeps no state about failures; retries once, after a
-/// 401 and a forced refresh. What it is given must outlive it and its tasks.
+/// The two reads of the Google Calendar API v3 for one account. Keeps no state about failures; retries once,
+/// after a 401 and a forced refresh. What it is given must outlive it and its tasks.
 class GoogleCalendarClient final
 {
 public:
-    GoogleCalendarClient(GoogleOAuth &oauth, HttpTransport &transport, QUrl apiBase);
+    /// Answers are decoded in the turns of `turns`, one at a time for all clients that share it.
+    GoogleCalendarClient(GoogleOAuth &oauth, HttpTransport &transport, QUrl apiBase,
+                         std::shared_ptr<PageTurns> turns);
 
     [[nodiscard]] QCoro::Task<std::expected<Google::CalendarListResponse, CalendarFailure>> calendarList();
     /// The first page, at most 250 events. With a sync token the bounds are not sent.
@@ -47,6 +51,7 @@ private:
     GoogleOAuth &m_oauth;
     HttpTransport &m_transport;
     QUrl m_apiBase;
+    std::shared_ptr<PageTurns> m_turns;
 };
 
 } // namespace kestrel
