@@ -1,1 +1,203 @@
 #include "google/GoogleProvider.h"
+#include "base/Log.h"
+#include "google/PageTurns.h"
+#include <QPointer>
+#include <QUuid>
+#include <algorithm>
+#include <utility>
+
+using namespace Qt::StringLiterals;
+
+namespace kestrel {
+
+/// One account's sign-in and the client on it. Shared with the tasks that are under way, so that a sign-out
+/// takes it from under none of them.
+struct GoogleProvider::Session
+{
+    Session(const QString &accountID, const AuthServices &services, const std::shared_ptr<PageTurns> &turns)
+        : oauth(accountID, services)
+        , client(oauth, services.transport, services.endpoints.calendarApi, turns)
+    {
+    }
+
+    GoogleOAuth oauth;
+    GoogleCalendarClient client;
+};
+
+namespace {
+
+const QString primaryAlias = u"primary"_s;
+
+/// The person's own colour for the calendar, else the provider's. Both hang on a calendar's identifier, which
+/// "primary" stands for once the calendars were listed.
+std::optional<QString> colorOf(const QString &calendarID, const CalendarAccount &account,
+                               const QList<ProviderCalendar> &listed)
+{
+    const auto calendar = std::find_if(listed.begin(), listed.end(), [&](const ProviderCalendar &candidate) {
+        return calendarID == primaryAlias ? candidate.isPrimary : candidate.id == calendarID;
+    });
+    const bool isListed = calendar != listed.end();
+    const auto chosen = account.calendarColorOverrides.find(isListed ? calendar->id : calendarID);
+    if (chosen != account.calendarColorOverrides.end())
+        return *chosen;
+    return isListed ? calendar->colorHex : std::nullopt;
+}
+
+} // namespace
+
+QString FetchError::description() const
+{
+    switch (kind) {
+    case Kind::Superseded:
+        return u"A newer fetch took its place"_s;
+    case Kind::AccountGone:
+        return u"The account was signed out"_s;
+    }
+    Q_UNREACHABLE();
+}
+
+GoogleProvider::GoogleProvider(AccountRegistry &registry, const AuthServices &services, QObject *parent)
+    : QObject(parent)
+    , m_registry(registry)
+    , m_services(services)
+    , m_turns(PageTurns::create())
+{
+    for (const CalendarAccount &account : m_registry.accounts(providerID))
+        session(account.id);
+}
+
+GoogleProvider::~GoogleProvider() = default;
+
+GoogleOAuth &GoogleProvider::oauth(const QString &accountID)
+{
+    return session(accountID)->oauth;
+}
+
+std::shared_ptr<GoogleProvider::Session> GoogleProvider::session(const QString &accountID)
+{
+    if (const auto found = m_sessions.find(accountID); found != m_sessions.end())
+        return found->second;
+    auto created = std::make_shared<Session>(accountID, m_services, m_turns);
+    keep(created);
+    return created;
+}
+
+void GoogleProvider::keep(const std::shared_ptr<Session> &session)
+{
+    const QString accountID = session->oauth.accountID();
+    m_sessions.insert_or_assign(accountID, session);
+    connect(&session->oauth, &GoogleOAuth::isSignedInChanged, this,
+            [this, accountID] { Q_EMIT signedInChanged(accountID); });
+}
+
+QCoro::Task<std::expected<CalendarAccount, AuthError>> GoogleProvider::signIn()
+{
+    const QPointer self(this);
+    const QString accountID = QUuid::createUuid().toString(QUuid::WithoutBraces).toUpper();
+    const auto session = std::make_shared<Session>(accountID, m_services, m_turns);
+    const auto signedIn = co_await session->oauth.signIn();
+    if (!signedIn)
+        co_return std::unexpected(signedIn.error());
+
+    CalendarAccount account;
+    account.id = accountID;
+    account.providerID = providerID;
+    account.email = session->oauth.accountEmail();
+    account.displayName = u"Google Calendar"_s;
+    account.meetLaunchMode = MeetLaunchMode::Popup;
+    if (self) {
+        keep(session);
+        m_registry.add(account);
+    }
+    co_return account;
+}
+
+QCoro::Task<std::expected<void, KeychainError>> GoogleProvider::signOut(QString accountID)
+{
+    const QPointer self(this);
+    if (const auto found = m_sessions.find(accountID); found != m_sessions.end()) {
+        const auto session = found->second;
+        const auto signedOut = co_await session->oauth.signOut();
+        if (!signedOut || !self)
+            co_return signedOut;
+        session->oauth.disconnect(this);
+        m_sessions.erase(accountID);
+    }
+    const bool wasListed = m_calendarsByAccount.remove(accountID) > 0;
+    m_registry.remove(accountID);
+    if (wasListed)
+        Q_EMIT calendarsByAccountChanged();
+    co_return std::expected<void, KeychainError>();
+}
+
+QCoro::Task<std::expected<QList<ProviderCalendar>, CalendarFailure>>
+GoogleProvider::loadCalendars(QString accountID)
+{
+    const QPointer self(this);
+    const auto session = this->session(accountID);
+    const auto list = co_await session->client.calendarList();
+    if (!list)
+        co_return std::unexpected(list.error());
+
+    QList<ProviderCalendar> calendars;
+    calendars.reserve(list->items.size());
+    for (const Google::CalendarListEntry &entry : list->items)
+        calendars.append({ entry.id, entry.summary, entry.primary.value_or(false), entry.backgroundColor });
+
+    const bool isSignedOut = !self || !m_sessions.contains(accountID);
+    if (!isSignedOut && m_calendarsByAccount.value(accountID) != calendars) {
+        m_calendarsByAccount.insert(accountID, calendars);
+        Q_EMIT calendarsByAccountChanged();
+    }
+    co_return calendars;
+}
+
+QCoro::Task<std::expected<QList<Meeting>, FetchError>>
+GoogleProvider::fetchUpcomingMeetings(QString accountID, QStringList calendarIDs, Instant from, Instant to)
+{
+    const auto account = m_registry.account(accountID);
+    if (!account)
+        co_return std::unexpected(FetchError { FetchError::Kind::AccountGone });
+    const QPointer self(this);
+    const auto session = this->session(accountID);
+    const auto turns = m_turns;
+    const QList<ProviderCalendar> listed = m_calendarsByAccount.value(accountID);
+    qCInfo(lcCalendar).noquote().nospace()
+        << "fetchUpcomingMeetings accountID=" << accountID << " email=" << account->email.value_or(u"<nil>"_s)
+        << " launchMode=" << rawValue(account->meetLaunchMode);
+    if (calendarIDs.isEmpty())
+        calendarIDs.append(primaryAlias);
+
+    std::multimap<Instant, Meeting> byStart; // of equal starts, the one that came first stays first
+    for (const QString &calendarID : std::as_const(calendarIDs)) {
+        const GoogleEventMapper::Origin origin { accountID, calendarID, colorOf(calendarID, *account, listed),
+                                                 account->email, account->meetLaunchMode };
+        const auto events = co_await session->client.events(calendarID, from, to);
+        if (!self || !m_registry.account(accountID))
+            co_return std::unexpected(FetchError { FetchError::Kind::AccountGone });
+        if (!events) {
+            if (isSuperseded(events.error()))
+                co_return std::unexpected(FetchError { FetchError::Kind::Superseded });
+            qCCritical(lcCalendar).noquote().nospace()
+                << "Failed fetching " << Private(calendarID) << " for account " << accountID << ": "
+                << errorForLog(description(events.error()));
+            continue;
+        }
+        for (const Google::Event &event : events->items) {
+            if (auto meeting = m_mapper.map(event, origin))
+                byStart.emplace(meeting->start, std::move(*meeting));
+        }
+    }
+
+    // the last page was mapped in this turn, and whoever takes the meetings has work to do as well
+    co_await turns->next();
+    if (!self || !m_registry.account(accountID))
+        co_return std::unexpected(FetchError { FetchError::Kind::AccountGone });
+    QList<Meeting> meetings;
+    meetings.reserve(static_cast<qsizetype>(byStart.size()));
+    for (auto &[start, meeting] : byStart)
+        meetings.append(std::move(meeting));
+    co_return meetings;
+}
+
+} // namespace kestrel

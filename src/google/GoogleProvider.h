@@ -10,12 +10,13 @@
 
 namespace kestrel {
 
-/// Why an account's meetings could not be had as a whole. Failures of single calendars are none: they are logged, and
-/// the calendar contributes nothing.
+/// Why an account's meetings could not be had as a whole. Failures of single calendars are none: they are
+/// logged, and the calendar contributes nothing.
 struct FetchError
 {
     enum class Kind {
-        Superseded, ///< a newer fetch took this one's place while both waited for a network: keep what is known
+        Superseded, ///< a newer fetch took this one's place while both waited for a network: keep what is
+                    ///< known
         AccountGone, ///< the account was signed out meanwhile
     };
     Kind kind = Kind::Superseded;
@@ -23,12 +24,16 @@ struct FetchError
     [[nodiscard]] QString description() const;
 };
 
-/// The one source of meetings: keeps a session per signed-in Google account. Main thread only.
+/// The one source of meetings: keeps a session per signed-in Google account. A task that is under way keeps
+/// what it works with and may outlive the provider: it then ends without a trace. Main thread only.
 class GoogleProvider final : public QObject
 {
     Q_OBJECT
 public:
     struct Session;
+
+    /// `CalendarAccount::providerID` of its accounts.
+    static inline const QString providerID = QStringLiteral("google");
 
     GoogleProvider(AccountRegistry &registry, const AuthServices &services, QObject *parent = nullptr);
     ~GoogleProvider() override;
@@ -41,10 +46,14 @@ public:
     /// The account's sign-in, created when there is none yet.
     [[nodiscard]] GoogleOAuth &oauth(const QString &accountID);
 
+    /// A new account through the browser; it is registered when this ends.
     [[nodiscard]] QCoro::Task<std::expected<CalendarAccount, AuthError>> signIn();
+    /// Nothing changes when the tokens cannot be deleted.
     [[nodiscard]] QCoro::Task<std::expected<void, KeychainError>> signOut(QString accountID);
-    [[nodiscard]] QCoro::Task<std::expected<QList<ProviderCalendar>, CalendarFailure>> loadCalendars(QString accountID);
-    /// The meetings of the given calendars, or of the primary one when none is given, by start.
+    [[nodiscard]] QCoro::Task<std::expected<QList<ProviderCalendar>, CalendarFailure>>
+    loadCalendars(QString accountID);
+    /// The meetings of the given calendars, or of the primary one when none is given, by start. An event of
+    /// two calendars is two meetings.
     [[nodiscard]] QCoro::Task<std::expected<QList<Meeting>, FetchError>>
     fetchUpcomingMeetings(QString accountID, QStringList calendarIDs, Instant from, Instant to);
 
@@ -54,9 +63,13 @@ Q_SIGNALS:
     void signedInChanged(const QString &accountID);
 
 private:
+    std::shared_ptr<Session> session(const QString &accountID);
+    void keep(const std::shared_ptr<Session> &session);
+
     AccountRegistry &m_registry;
     AuthServices m_services;
     GoogleEventMapper m_mapper;
+    std::shared_ptr<PageTurns> m_turns;
     QMap<QString, QList<ProviderCalendar>> m_calendarsByAccount;
     std::map<QString, std::shared_ptr<Session>> m_sessions;
 };
