@@ -1,0 +1,34 @@
+#pragma once
+#include "platform/SessionInstance.h"
+#include <QDBusConnection>
+#include <QDBusContext>
+#include <QDBusMessage>
+
+namespace kestrel {
+
+/// One instance per session bus and bus name. It is reached at /app/kestrel/Kestrel through the method
+/// app.kestrel.Kestrel1.Run(as arguments) → (i exitCode, s output, s errors).
+class DBusSessionInstance final : public SessionInstance, protected QDBusContext
+{
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "app.kestrel.Kestrel1")
+public:
+    explicit DBusSessionInstance(QString busName, QObject *parent = nullptr);
+    ~DBusSessionInstance() override;
+
+    [[nodiscard]] Claim claim(VerbHandler handler) override;
+    [[nodiscard]] QCoro::Task<std::expected<VerbResult, QString>> handOver(QStringList arguments) override;
+
+public Q_SLOTS:
+    /// On the bus only; the answer follows when the verb is done.
+    Q_SCRIPTABLE int Run(const QStringList &arguments, QString &output, QString &errors);
+
+private:
+    QCoro::Task<void> answer(QStringList arguments, QDBusConnection connection, QDBusMessage message);
+
+    QString m_busName;
+    VerbHandler m_handler;
+    bool m_isOwner = false;
+};
+
+} // namespace kestrel
