@@ -3,8 +3,8 @@
 
 namespace kestrel {
 
-/// Data from outside that is not what it should be. `description` names the place and the fault, in English, for
-/// logs and error texts.
+/// Data from outside that is not what it should be. `description` names the place and the fault, in English,
+/// for logs and error texts.
 struct DecodingError
 {
     QString description;

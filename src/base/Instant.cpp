@@ -44,11 +44,12 @@ QString toInternetDateTime(Instant instant)
 
 QString toInternetDateTimeWithMilliseconds(Instant instant)
 {
-    return QDateTime::fromMSecsSinceEpoch(instant.time_since_epoch().count(), Qt::UTC).toString(Qt::ISODateWithMs);
+    return QDateTime::fromMSecsSinceEpoch(instant.time_since_epoch().count(), Qt::UTC)
+        .toString(Qt::ISODateWithMs);
 }
 
-// Written out rather than left to QDateTime: that one also accepts bare dates, week dates and missing zones, and a
-// page of events holds hundreds of date-times.
+// Written out rather than left to QDateTime: that one also accepts bare dates, week dates and missing zones,
+// and a page of events holds hundreds of date-times.
 std::optional<Instant> parseInternetDateTime(QStringView text)
 {
     qsizetype at = 0;
@@ -105,8 +106,8 @@ std::optional<Instant> parseInternetDateTime(QStringView text)
                                 std::chrono::day(static_cast<unsigned>(day)) };
     if (!date.ok())
         return {};
-    return Instant(sys_days(date)) + hours(hour) + minutes(minute) + seconds(second) + milliseconds(millisecond)
-        - offset;
+    return Instant(sys_days(date)) + hours(hour) + minutes(minute) + seconds(second)
+        + milliseconds(millisecond) - offset;
 }
 
 } // namespace kestrel

@@ -18,9 +18,9 @@ using Instant = std::chrono::sys_time<std::chrono::milliseconds>;
 /// "2025-03-01T09:30:00.250Z".
 [[nodiscard]] QString toInternetDateTimeWithMilliseconds(Instant instant);
 
-/// Parses an ISO 8601 internet date-time (RFC 3339): full date, "T", full time with colons, an optional fraction of
-/// a second, and "Z" or an offset with a colon. Digits past the millisecond are cut. Nothing else is accepted: a
-/// bare date, a missing zone or an impossible day give nothing.
+/// Parses an ISO 8601 internet date-time (RFC 3339): full date, "T", full time with colons, an optional
+/// fraction of a second, and "Z" or an offset with a colon. Digits past the millisecond are cut. Nothing else
+/// is accepted: a bare date, a missing zone or an impossible day give nothing.
 [[nodiscard]] std::optional<Instant> parseInternetDateTime(QStringView text);
 
 } // namespace kestrel

@@ -37,10 +37,11 @@ QtMsgType s_lowestLevel = QtInfoMsg;
 /// (systemd.exec(5)).
 bool isUnderJournal()
 {
-    struct stat stream { };
+    struct stat stream {};
     if (fstat(fileno(stderr), &stream) != 0)
         return false;
-    return qgetenv("JOURNAL_STREAM") == QByteArray::number(stream.st_dev) + ':' + QByteArray::number(stream.st_ino);
+    return qgetenv("JOURNAL_STREAM")
+        == QByteArray::number(stream.st_dev) + ':' + QByteArray::number(stream.st_ino);
 }
 
 /// sd-daemon's prefixes: the journal reads a line's priority from them.

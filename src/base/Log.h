@@ -11,8 +11,8 @@ Q_DECLARE_LOGGING_CATEGORY(lcAlerts)
 Q_DECLARE_LOGGING_CATEGORY(lcMenubar)
 Q_DECLARE_LOGGING_CATEGORY(lcBridge)
 
-/// Sends Qt's messages to the journal when the process runs under one, else to stderr, one line a message. The
-/// verbs of the command line raise `lowestLevel`, since their stderr belongs to their own errors.
+/// Sends Qt's messages to the journal when the process runs under one, else to stderr, one line a message.
+/// The verbs of the command line raise `lowestLevel`, since their stderr belongs to their own errors.
 void installLog(QtMsgType lowestLevel = QtInfoMsg);
 
 /// Marks a log argument that no log may show: it prints as "<private>", whatever it holds.

@@ -12,7 +12,8 @@ QCoro::Task<void> watch(const char *name, QCoro::Task<void> task)
     try {
         co_await std::move(task);
     } catch (const std::exception &exception) {
-        qCCritical(lcApp).noquote() << "Task" << name << "threw:" << errorForLog(QString::fromUtf8(exception.what()));
+        qCCritical(lcApp).noquote() << "Task" << name
+                                    << "threw:" << errorForLog(QString::fromUtf8(exception.what()));
     }
 }
 

@@ -3,8 +3,8 @@
 
 namespace kestrel {
 
-/// The state of the Google Meet call as last seen in the browser. One object, read by many; only the Meet controls
-/// write it. Main thread only.
+/// The state of the Google Meet call as last seen in the browser. One object, read by many; only the Meet
+/// controls write it. Main thread only.
 class MeetState final : public QObject
 {
     Q_OBJECT

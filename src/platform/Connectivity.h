@@ -3,7 +3,8 @@
 
 namespace kestrel {
 
-/// Whether the machine has a network at all, as far as the desktop can tell. Where it cannot tell, it is online.
+/// Whether the machine has a network at all, as far as the desktop can tell. Where it cannot tell, it is
+/// online.
 class Connectivity : public QObject
 {
     Q_OBJECT

@@ -20,8 +20,8 @@ struct HttpRequest
     QByteArray body;
     /// From the sending to the last byte of the answer; waiting for a network does not count.
     std::chrono::milliseconds timeout { std::chrono::seconds(60) };
-    /// Whose request this is: of two that wait for a network with the same account and address (host and path), the
-    /// newer one takes the place of the older.
+    /// Whose request this is: of two that wait for a network with the same account and address (host and
+    /// path), the newer one takes the place of the older.
     QString account;
 };
 
@@ -53,9 +53,9 @@ struct TransportError
     friend bool operator==(const TransportError &, const TransportError &) = default;
 };
 
-/// HTTPS without cookies, cache or credentials of its own; TLS 1.2 is the floor. Redirects of a GET are followed, to
-/// another origin without the Authorization header and never from https to http; all others are given back as they
-/// are. Main thread only.
+/// HTTPS without cookies, cache or credentials of its own; TLS 1.2 is the floor. Redirects of a GET are
+/// followed, to another origin without the Authorization header and never from https to http; all others are
+/// given back as they are. Main thread only.
 class HttpTransport : public QObject
 {
     Q_OBJECT
@@ -65,10 +65,11 @@ public:
     using QObject::QObject;
 
     /// Waits for a network where there is none, except for loopback addresses.
-    [[nodiscard]] virtual QCoro::Task<std::expected<HttpResponse, TransportError>> send(HttpRequest request) = 0;
+    [[nodiscard]] virtual QCoro::Task<std::expected<HttpResponse, TransportError>>
+    send(HttpRequest request) = 0;
 
-    /// The same wait by itself, under the same rule of the newer one: what it costs to prepare a request (an access
-    /// token, say) is spent only when it can be sent.
+    /// The same wait by itself, under the same rule of the newer one: what it costs to prepare a request (an
+    /// access token, say) is spent only when it can be sent.
     [[nodiscard]] virtual QCoro::Task<std::expected<void, TransportError>> waitForNetwork(QString account,
                                                                                           QUrl address) = 0;
 };

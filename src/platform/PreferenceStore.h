@@ -7,8 +7,8 @@
 
 namespace kestrel {
 
-/// The per-user key-value store. A value that is absent, or that is there as another type than was asked for, reads
-/// as null; reading never writes. Main thread only.
+/// The per-user key-value store. A value that is absent, or that is there as another type than was asked for,
+/// reads as null; reading never writes. Main thread only.
 class PreferenceStore : public QObject
 {
     Q_OBJECT

@@ -26,16 +26,17 @@ enum class SecretStatus : qint32 {
     Failed = -50, ///< anything else
 };
 
-/// Per-user secrets, each a run of bytes. The operations wait for the store's process without blocking the thread.
-/// A locked store is unlocked once per locking, in the background: the operation that met it ends with Locked at
-/// once, and opened() follows when the person has unlocked it. Main thread only.
+/// Per-user secrets, each a run of bytes. The operations wait for the store's process without blocking the
+/// thread. A locked store is unlocked once per locking, in the background: the operation that met it ends
+/// with Locked at once, and opened() follows when the person has unlocked it. Main thread only.
 class SecretStore : public QObject
 {
     Q_OBJECT
 public:
     using QObject::QObject;
 
-    [[nodiscard]] virtual QCoro::Task<std::expected<QByteArray, SecretStatus>> copyMatching(SecretItem item) = 0;
+    [[nodiscard]] virtual QCoro::Task<std::expected<QByteArray, SecretStatus>>
+    copyMatching(SecretItem item) = 0;
     /// Replaces the bytes of an item that exists; NotFound when it does not.
     [[nodiscard]] virtual QCoro::Task<SecretStatus> update(SecretItem item, QByteArray data) = 0;
     [[nodiscard]] virtual QCoro::Task<SecretStatus> add(SecretItem item, QByteArray data) = 0;
@@ -44,7 +45,8 @@ public:
 Q_SIGNALS:
     /// The store was locked or missing before and can be read now.
     void opened();
-    /// The store cannot be used. `message` names what to install or to do, ready to be shown; said once per cause.
+    /// The store cannot be used. `message` names what to install or to do, ready to be shown; said once per
+    /// cause.
     void trouble(const QString &message);
 };
 

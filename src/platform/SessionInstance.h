@@ -35,8 +35,8 @@ public:
     /// Takes the instance's name, and answers verbs of others with `handler` from then on.
     [[nodiscard]] virtual Claim claim(VerbHandler handler) = 0;
 
-    /// Has the running instance carry out `arguments` (verb first); the error is a description. Waits as long as the
-    /// verb takes.
+    /// Has the running instance carry out `arguments` (verb first); the error is a description. Waits as long
+    /// as the verb takes.
     [[nodiscard]] virtual QCoro::Task<std::expected<VerbResult, QString>> handOver(QStringList arguments) = 0;
 };
 

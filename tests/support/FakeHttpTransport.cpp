@@ -21,7 +21,8 @@ QCoro::Task<FakeHttpTransport::Answer> FakeHttpTransport::send(HttpRequest reque
     co_return answers.size() > 1 ? answers.dequeue() : answers.head();
 }
 
-QCoro::Task<std::expected<void, TransportError>> FakeHttpTransport::waitForNetwork(QString account, QUrl address)
+QCoro::Task<std::expected<void, TransportError>> FakeHttpTransport::waitForNetwork(QString account,
+                                                                                   QUrl address)
 {
     if (m_isOnline)
         co_return std::expected<void, TransportError>();
@@ -30,7 +31,8 @@ QCoro::Task<std::expected<void, TransportError>> FakeHttpTransport::waitForNetwo
     Q_EMIT networkWaitEnded(key, generation - 1, true);
     ++waiting;
     for (;;) {
-        const auto [ended, endedGeneration, superseded] = co_await qCoro(this, &FakeHttpTransport::networkWaitEnded);
+        const auto [ended, endedGeneration, superseded] =
+            co_await qCoro(this, &FakeHttpTransport::networkWaitEnded);
         const bool mine = ended == key && endedGeneration == generation;
         if (mine && superseded) {
             --waiting;
@@ -69,8 +71,8 @@ void FakeHttpTransport::setOnline(bool online)
 
 int FakeHttpTransport::requestsTo(const QString &path) const
 {
-    return static_cast<int>(
-        std::count_if(requests.begin(), requests.end(), [&](const auto &request) { return request.url.path() == path; }));
+    return static_cast<int>(std::count_if(requests.begin(), requests.end(),
+                                          [&](const auto &request) { return request.url.path() == path; }));
 }
 
 } // namespace kestrel

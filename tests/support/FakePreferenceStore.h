@@ -10,14 +10,23 @@ class FakePreferenceStore final : public PreferenceStore
 {
     Q_OBJECT
 public:
-    [[nodiscard]] std::optional<qint64> integer(const QString &key) const override { return read<qint64>(key); }
+    [[nodiscard]] std::optional<qint64> integer(const QString &key) const override
+    {
+        return read<qint64>(key);
+    }
     [[nodiscard]] std::optional<bool> boolean(const QString &key) const override { return read<bool>(key); }
-    [[nodiscard]] std::optional<QString> string(const QString &key) const override { return read<QString>(key); }
+    [[nodiscard]] std::optional<QString> string(const QString &key) const override
+    {
+        return read<QString>(key);
+    }
     [[nodiscard]] std::optional<QStringList> stringList(const QString &key) const override
     {
         return read<QStringList>(key);
     }
-    [[nodiscard]] std::optional<QByteArray> data(const QString &key) const override { return read<QByteArray>(key); }
+    [[nodiscard]] std::optional<QByteArray> data(const QString &key) const override
+    {
+        return read<QByteArray>(key);
+    }
 
     void setInteger(const QString &key, qint64 value) override { write(key, value); }
     void setBoolean(const QString &key, bool value) override { write(key, value); }

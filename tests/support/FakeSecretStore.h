@@ -6,7 +6,8 @@
 
 namespace kestrel {
 
-/// Secrets in memory, with a record of the calls and a lock. `failures` gives the status of the next call of a kind
+/// Secrets in memory, with a record of the calls and a lock. `failures` gives the status of the next call of
+/// a kind
 /// ("copyMatching", "update", "add", "remove") in place of what it would do.
 class FakeSecretStore final : public SecretStore
 {

@@ -79,7 +79,8 @@ int DBusSessionInstance::Run(const QStringList &arguments, QString &, QString &)
     return 0;
 }
 
-QCoro::Task<void> DBusSessionInstance::answer(QStringList arguments, QDBusConnection connection, QDBusMessage message)
+QCoro::Task<void> DBusSessionInstance::answer(QStringList arguments, QDBusConnection connection,
+                                              QDBusMessage message)
 {
     const VerbResult result = co_await m_handler(arguments);
     connection.send(message.createReply(QVariantList { result.exitCode, result.output, result.errors }));
