@@ -1,5 +1,6 @@
 #include "support/FakeHttpTransport.h"
-#include <QCoro/QCoroSignal>
+#include <algorithm>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -10,10 +11,8 @@ QCoro::Task<FakeHttpTransport::Answer> FakeHttpTransport::send(HttpRequest reque
     requests.append(request);
     const QString path = request.url.path();
     if (m_isHeld) {
-        QString let;
-        do {
-            let = co_await qCoro(this, &FakeHttpTransport::released);
-        } while (!let.isEmpty() && let != path);
+        Waiter waiter { m_held, path };
+        co_await waiter;
     }
     auto &answers = m_answers[path];
     if (answers.isEmpty())
@@ -26,22 +25,33 @@ QCoro::Task<std::expected<void, TransportError>> FakeHttpTransport::waitForNetwo
 {
     if (m_isOnline)
         co_return std::expected<void, TransportError>();
-    const QString key = account + u' ' + address.path();
-    const int generation = ++m_waitGenerations[key];
-    Q_EMIT networkWaitEnded(key, generation - 1, true);
-    ++waiting;
-    for (;;) {
-        const auto [ended, endedGeneration, superseded] =
-            co_await qCoro(this, &FakeHttpTransport::networkWaitEnded);
-        const bool mine = ended == key && endedGeneration == generation;
-        if (mine && superseded) {
-            --waiting;
-            co_return std::unexpected(TransportError { TransportError::Kind::Superseded, u"superseded"_s });
-        }
-        if (ended.isEmpty()) {
-            --waiting;
-            co_return std::expected<void, TransportError>();
-        }
+    const QString key = account + u' ' + address.host() + address.path();
+    const auto older = take(m_offline, key);
+    for (Waiter *waiter : older)
+        waiter->isSuperseded = true;
+    resumeLater(older);
+
+    waiting = static_cast<int>(m_offline.size()) + 1;
+    Waiter waiter { m_offline, key };
+    co_await waiter;
+    if (waiter.isSuperseded)
+        co_return std::unexpected(TransportError { TransportError::Kind::Superseded, u"superseded"_s });
+    co_return std::expected<void, TransportError>();
+}
+
+QList<FakeHttpTransport::Waiter *> FakeHttpTransport::take(QList<Waiter *> &waiters, const QString &key)
+{
+    QList<Waiter *> taken;
+    for (Waiter *waiter : std::exchange(waiters, {}))
+        (key.isEmpty() || waiter->key == key ? taken : waiters).append(waiter);
+    return taken;
+}
+
+void FakeHttpTransport::resumeLater(const QList<Waiter *> &waiters)
+{
+    for (const Waiter *waiter : waiters) {
+        QMetaObject::invokeMethod(
+            this, [coroutine = waiter->coroutine] { coroutine.resume(); }, Qt::QueuedConnection);
     }
 }
 
@@ -59,14 +69,16 @@ void FakeHttpTransport::release(const QString &path)
 {
     if (path.isEmpty())
         m_isHeld = false;
-    Q_EMIT released(path);
+    resumeLater(take(m_held, path));
 }
 
 void FakeHttpTransport::setOnline(bool online)
 {
     m_isOnline = online;
-    if (online)
-        Q_EMIT networkWaitEnded({}, 0, false);
+    if (online) {
+        resumeLater(take(m_offline, {}));
+        waiting = 0;
+    }
 }
 
 int FakeHttpTransport::requestsTo(const QString &path) const

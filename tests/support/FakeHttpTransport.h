@@ -3,10 +3,12 @@
 #include <QList>
 #include <QMap>
 #include <QQueue>
+#include <coroutine>
 
 namespace kestrel {
 
-/// Answers from a script, by the path of the request. The last answer of a path is repeated.
+/// Answers from a script, by the path of the request. The last answer of a path is repeated. What waits goes
+/// on in a later turn of the event loop, as it does with a real network.
 class FakeHttpTransport final : public HttpTransport
 {
     Q_OBJECT
@@ -31,13 +33,32 @@ public:
     QList<HttpRequest> requests;
     int waiting = 0; ///< callers inside waitForNetwork
 
-Q_SIGNALS:
-    void released(const QString &path);
-    void networkWaitEnded(const QString &key, int generation, bool superseded);
-
 private:
+    /// To be awaited; stands in a list until it is resumed. Awaiting a signal instead would break when the
+    /// signal is emitted twice in one turn: QCoro resumes for both.
+    struct Waiter
+    {
+        QList<Waiter *> &waiters;
+        QString key;
+        bool isSuperseded = false;
+        std::coroutine_handle<> coroutine = {};
+
+        [[nodiscard]] bool await_ready() const noexcept { return false; }
+        void await_suspend(std::coroutine_handle<> awaiting)
+        {
+            coroutine = awaiting;
+            waiters.append(this);
+        }
+        void await_resume() const noexcept { }
+    };
+
+    /// Those of one key, or all.
+    QList<Waiter *> take(QList<Waiter *> &waiters, const QString &key);
+    void resumeLater(const QList<Waiter *> &waiters);
+
     QMap<QString, QQueue<Answer>> m_answers;
-    QMap<QString, int> m_waitGenerations;
+    QList<Waiter *> m_held;
+    QList<Waiter *> m_offline;
     bool m_isHeld = false;
     bool m_isOnline = true;
 };
