@@ -13,8 +13,8 @@ inline constexpr quint32 Option = 2048; ///< Alt
 inline constexpr quint32 Control = 4096;
 } // namespace Modifier
 
-/// A shortcut. Key codes stand for positions of the US keyboard, in the numbering that the stored form fixes (38 is
-/// J, 46 is M), not for what a layout prints on them.
+/// A shortcut. Key codes stand for positions of the US keyboard, in the numbering that the stored form fixes
+/// (38 is J, 46 is M), not for what a layout prints on them.
 struct Hotkey
 {
     quint32 keyCode = 0;
