@@ -53,6 +53,16 @@ struct TransportError
     friend bool operator==(const TransportError &, const TransportError &) = default;
 };
 
+/// Whether the address is this machine itself (127.0.0.0/8, ::1, localhost), which needs no network.
+[[nodiscard]] bool isLoopback(const QUrl &url);
+
+/// Whether both have the same scheme, host and port: what carries a credential from one to the other.
+[[nodiscard]] bool isSameOrigin(const QUrl &one, const QUrl &other);
+
+/// Where a redirect's Location leads from `from`; nothing when it may not be followed: to anything but http
+/// and https, from https to http, or to no address at all. User names and passwords in it are dropped.
+[[nodiscard]] std::optional<QUrl> redirectTarget(const QUrl &from, const QByteArray &location);
+
 /// HTTPS without cookies, cache or credentials of its own; TLS 1.2 is the floor. Redirects of a GET are
 /// followed, to another origin without the Authorization header and never from https to http; all others are
 /// given back as they are. Main thread only.
@@ -60,7 +70,8 @@ class HttpTransport : public QObject
 {
     Q_OBJECT
 public:
-    static constexpr qint64 largestAnswer = 16 * 1024 * 1024;
+    static constexpr qint64 largestAnswer = 16 * 1024 * 1024; ///< in bytes, decoded
+    static constexpr int mostRedirects = 10;
 
     using QObject::QObject;
 

@@ -1,0 +1,38 @@
+#pragma once
+#include "platform/HttpTransport.h"
+#include <QPromise>
+#include <map>
+#include <tuple>
+
+class QNetworkAccessManager;
+
+namespace kestrel {
+
+class Connectivity;
+
+/// HTTP on QNetworkAccessManager, one for all accounts: with neither cookies nor a cache nor stored
+/// credentials, all that they share is connections. When it goes, what is under way or waits ends with a
+/// network error; callers resume from the event loop, not from inside the destructor.
+class QtHttpTransport final : public HttpTransport
+{
+    Q_OBJECT
+public:
+    explicit QtHttpTransport(Connectivity &connectivity, QObject *parent = nullptr);
+    ~QtHttpTransport() override;
+
+    [[nodiscard]] QCoro::Task<std::expected<HttpResponse, TransportError>> send(HttpRequest request) override;
+    [[nodiscard]] QCoro::Task<std::expected<void, TransportError>> waitForNetwork(QString account,
+                                                                                  QUrl address) override;
+
+private:
+    using WaitKey = std::tuple<QString, QString, QString>; ///< account, host, path
+    using WaitOutcome = std::expected<void, TransportError>;
+
+    void endAllWaits(const WaitOutcome &outcome);
+
+    Connectivity &m_connectivity;
+    QNetworkAccessManager *m_network;
+    std::map<WaitKey, QPromise<WaitOutcome>> m_waiting;
+};
+
+} // namespace kestrel
