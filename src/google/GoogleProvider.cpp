@@ -60,7 +60,7 @@ GoogleProvider::GoogleProvider(AccountRegistry &registry, const AuthServices &se
     : QObject(parent)
     , m_registry(registry)
     , m_services(services)
-    , m_turns(PageTurns::create())
+    , m_turns(std::make_shared<PageTurns>())
 {
     for (const CalendarAccount &account : m_registry.accounts(providerID))
         session(account.id);

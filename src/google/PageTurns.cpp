@@ -2,11 +2,6 @@
 
 namespace kestrel {
 
-std::shared_ptr<PageTurns> PageTurns::create()
-{
-    return std::shared_ptr<PageTurns>(new PageTurns);
-}
-
 // A timer and not a posted event: Qt delivers events that are posted during the delivery of others in one go.
 PageTurns::PageTurns()
 {
@@ -22,12 +17,11 @@ void PageTurns::enqueue(std::coroutine_handle<> waiting)
 
 void PageTurns::give()
 {
-    const auto alive = shared_from_this(); // what is resumed may have been the last to share this object
     const auto waiting = m_waiting.front();
     m_waiting.pop_front();
     if (m_waiting.empty())
         m_timer.stop();
-    waiting.resume();
+    waiting.resume(); // may have been the last to share this object
 }
 
 } // namespace kestrel

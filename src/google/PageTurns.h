@@ -2,7 +2,6 @@
 #include <QTimer>
 #include <coroutine>
 #include <deque>
-#include <memory>
 
 namespace kestrel {
 
@@ -10,7 +9,7 @@ namespace kestrel {
 /// answers of many accounts come in together; decoded one after the other they would hold the main thread for
 /// as long as all of them take. Shared by those who wait, so that it lives as long as any of them does. Main
 /// thread only.
-class PageTurns final : public std::enable_shared_from_this<PageTurns>
+class PageTurns final
 {
 public:
     class Turn
@@ -28,13 +27,12 @@ public:
         PageTurns &m_turns;
     };
 
-    [[nodiscard]] static std::shared_ptr<PageTurns> create();
+    PageTurns();
 
     /// To be awaited: resumes when those who asked before have had their turn.
     [[nodiscard]] Turn next() { return Turn(*this); }
 
 private:
-    PageTurns();
     void enqueue(std::coroutine_handle<> waiting);
     void give();
 
