@@ -8,7 +8,14 @@ namespace kestrel {
 
 struct OAuthError
 {
-    enum class Kind { TokenExchangeFailed, RefreshFailed, StateMismatch, NotSignedIn, BrowserOpenFailed, UserCancelled };
+    enum class Kind {
+        TokenExchangeFailed,
+        RefreshFailed,
+        StateMismatch,
+        NotSignedIn,
+        BrowserOpenFailed,
+        UserCancelled
+    };
     Kind kind = Kind::NotSignedIn;
     int status = 0; ///< HTTP status of the two first kinds, -1 when the answer was not HTTP
     QString body; ///< of the two first kinds

@@ -1,5 +1,6 @@
 #pragma once
 #include "auth/AuthErrors.h"
+#include "platform/AwaitedBytes.h"
 #include <QByteArray>
 #include <QCoro/QCoroTask>
 #include <QString>
@@ -10,14 +11,17 @@ namespace kestrel {
 
 class SecretStore;
 
-/// Items of one service in the secret store: read, write as update-or-add, delete. An absent item is never an error.
+/// Items of one service in the secret store: read, write as update-or-add, delete. An absent item is never an
+/// error.
 class Keychain final
 {
 public:
     Keychain(SecretStore &secrets, QString service);
 
-    [[nodiscard]] QCoro::Task<std::expected<std::optional<QByteArray>, KeychainError>> read(QString account) const;
-    [[nodiscard]] QCoro::Task<std::expected<void, KeychainError>> write(QByteArray data, QString account) const;
+    [[nodiscard]] QCoro::Task<std::expected<std::optional<QByteArray>, KeychainError>>
+    read(QString account) const;
+    [[nodiscard]] QCoro::Task<std::expected<void, KeychainError>> write(QByteArray data,
+                                                                        QString account) const;
     [[nodiscard]] QCoro::Task<std::expected<void, KeychainError>> remove(QString account) const;
 
 private:

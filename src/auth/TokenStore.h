@@ -25,7 +25,8 @@ public:
     /// Bytes that are not UTF-8 fail with DecodingFailed; whether that matters is the caller's to say.
     [[nodiscard]] QCoro::Task<std::expected<std::optional<QString>, KeychainError>> loadRefreshToken() const;
     [[nodiscard]] QCoro::Task<std::expected<void, KeychainError>> saveRefreshToken(QString token) const;
-    [[nodiscard]] QCoro::Task<std::expected<std::optional<AccessToken>, std::variant<KeychainError, DecodingError>>>
+    [[nodiscard]] QCoro::Task<
+        std::expected<std::optional<AccessToken>, std::variant<KeychainError, DecodingError>>>
     loadAccessToken() const;
     [[nodiscard]] QCoro::Task<std::expected<void, KeychainError>> saveAccessToken(AccessToken token) const;
     [[nodiscard]] QCoro::Task<std::expected<void, KeychainError>> deleteRefreshToken() const;
