@@ -1,15 +1,20 @@
 #pragma once
 #include "auth/AuthErrors.h"
 #include "auth/GoogleConfiguration.h"
+#include "auth/SignInSecrets.h"
 #include "auth/TokenRefresher.h"
+#include "auth/TokenResponse.h"
 #include "auth/TokenStore.h"
 #include "auth/UserInfo.h"
 #include "base/Clock.h"
 #include <QCoro/QCoroTask>
+#include <QList>
 #include <QObject>
+#include <QPointer>
 #include <QString>
 #include <expected>
 #include <optional>
+#include <utility>
 
 namespace kestrel {
 
@@ -30,15 +35,15 @@ struct AuthServices
 };
 
 /// Signs one Google account in through the browser (authorization code with PKCE, RFC 7636, over a loopback
-/// redirect), keeps a valid access token at hand, and forgets everything at sign-out. Tokens live in the secret store
-/// alone; every accessToken() reads them back. Main thread only.
+/// redirect), keeps a valid access token at hand, and forgets everything at sign-out. Tokens live in the
+/// secret store alone; every accessToken() reads them back. Main thread only.
 class GoogleOAuth final : public QObject
 {
     Q_OBJECT
     Q_PROPERTY(bool isSignedIn READ isSignedIn NOTIFY isSignedInChanged)
 public:
-    /// Starts reading the refresh token; isSignedIn follows when it was read, and again whenever a locked or missing
-    /// secret store opens.
+    /// Starts reading the refresh token; isSignedIn follows when it was read, and again whenever a locked or
+    /// missing secret store opens.
     GoogleOAuth(QString accountID, const AuthServices &services, QObject *parent = nullptr);
     ~GoogleOAuth() override;
 
@@ -63,11 +68,25 @@ Q_SIGNALS:
     void accountEmailChanged();
 
 private:
+    using Outcome = std::expected<void, AuthError>;
+    using FormItems = QList<std::pair<QByteArray, QString>>;
+
+    static QCoro::Task<void> readSignedIn(QPointer<GoogleOAuth> self);
+    static QCoro::Task<TokenRefresher::Result> renewAccessToken(QPointer<GoogleOAuth> self);
+    [[nodiscard]] QUrl authorizationUrl(const SignInSecrets &secrets, const QString &redirectUri) const;
+    [[nodiscard]] QCoro::Task<Outcome> exchange(QString code, QString verifier, QString redirectUri);
+    [[nodiscard]] HttpRequest request(QByteArray method, const QUrl &url) const;
+    [[nodiscard]] HttpRequest tokenRequest(const FormItems &items) const;
+    [[nodiscard]] AccessToken accessTokenOf(const TokenResponse &response) const;
+    void setSignedIn(bool isSignedIn);
+    void setAccountEmail(const std::optional<QString> &email);
+
     QString m_accountID;
     AuthServices m_services;
     TokenStore m_store;
     TokenRefresher m_refresher;
     bool m_isSignedIn = false;
+    int m_turn = 0; ///< counts sign-ins and sign-outs: what began before one must not undo it
     std::optional<QString> m_accountEmail;
 };
 
