@@ -1,4 +1,5 @@
 #pragma once
+#include "platform/AwaitedBytes.h"
 #include <QByteArray>
 #include <QCoro/QCoroTask>
 #include <QObject>

@@ -1,0 +1,93 @@
+#include "platform/linux/XdgLoginItem.h"
+#include "base/AppIdentifier.h"
+#include "platform/linux/PrivateFile.h"
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+namespace kestrel {
+
+namespace {
+
+// The escapes are the Desktop Entry Specification's: those of every string value, and inside them those of a
+// quoted argument of Exec.
+QString stringValue(QString text)
+{
+    return text.replace(u'\\', "\\\\"_L1)
+        .replace(u'\n', "\\n"_L1)
+        .replace(u'\t', "\\t"_L1)
+        .replace(u'\r', "\\r"_L1);
+}
+
+QString execArgument(QString argument)
+{
+    for (const auto *special : { "\\", "\"", "`", "$" })
+        argument.replace(QLatin1StringView(special), u'\\' + QLatin1StringView(special));
+    return stringValue(u'"' + argument + u'"');
+}
+
+bool isSwitchedOff(const QByteArray &entry)
+{
+    const QList<QByteArray> lines = entry.split('\n');
+    return std::ranges::any_of(lines, [](const QByteArray &line) {
+        const QByteArray bare = line.simplified().replace(' ', "").toLower();
+        return bare == "hidden=true" || bare == "x-gnome-autostart-enabled=false";
+    });
+}
+
+} // namespace
+
+XdgLoginItem::XdgLoginItem(const QString &autostartFolder, const QString &program)
+    : m_file(QDir(autostartFolder).filePath(AppIdentifier + ".desktop"_L1))
+    , m_program(program)
+{
+}
+
+std::expected<void, QString> XdgLoginItem::setEnabled(bool enabled)
+{
+    const auto present = readFile(m_file);
+    if (!enabled) {
+        if (!QFileInfo::exists(m_file) && !QFileInfo(m_file).isSymLink())
+            return {};
+        QFile file(m_file);
+        if (!file.remove())
+            return std::unexpected(u"%1: %2"_s.arg(m_file, file.errorString()));
+        return {};
+    }
+    if (!present)
+        return std::unexpected(u"%1: %2"_s.arg(m_file, present.error()));
+    if (isSwitchedOff(*present))
+        return std::unexpected(u"%1 is switched off in the desktop's own settings"_s.arg(m_file));
+    const auto wanted = content();
+    if (!wanted)
+        return std::unexpected(wanted.error());
+    if (*wanted == *present)
+        return {};
+    if (auto made = makePrivateFolder(QFileInfo(m_file).path()); !made)
+        return made;
+    if (const auto replaced = replaceFile(m_file, *wanted); !replaced)
+        return std::unexpected(u"%1: %2"_s.arg(m_file, replaced.error()));
+    return {};
+}
+
+std::expected<QByteArray, QString> XdgLoginItem::content() const
+{
+    // the specification knows no way to write '=', and GLib does not find a program with '%'
+    if (!m_program.startsWith(u'/') || m_program.contains(u'=') || m_program.contains(u'%'))
+        return std::unexpected(u"no autostart entry can name the program %1"_s.arg(m_program));
+    const QString entry = u"[Desktop Entry]\n"
+                          "Type=Application\n"
+                          "Name=Kestrel\n"
+                          "Exec=%1\n"
+                          "TryExec=%2\n"
+                          "Icon=%3\n"
+                          "Terminal=false\n"
+                          "StartupNotify=false\n"
+                          "X-GNOME-Autostart-enabled=true\n"_s;
+    return entry.arg(execArgument(m_program), stringValue(m_program), AppIdentifier).toUtf8();
+}
+
+} // namespace kestrel

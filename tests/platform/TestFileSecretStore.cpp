@@ -1,0 +1,166 @@
+#include "platform/linux/FileSecretStore.h"
+#include <QCoro/QCoroTask>
+#include <QDir>
+#include <QFile>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QTest>
+#include <sys/stat.h>
+
+using namespace Qt::StringLiterals;
+
+namespace kestrel {
+
+namespace {
+
+constexpr auto onlyMine = QFile::ReadOwner | QFile::WriteOwner | QFile::ReadUser | QFile::WriteUser;
+
+const SecretItem first { u"app.example"_s, u"google.1.refresh_token"_s };
+const SecretItem second { u"app.example"_s, u"google.2.refresh_token"_s };
+
+QCoro::Task<QByteArray> read(FileSecretStore &store, SecretItem item)
+{
+    const auto found = co_await store.copyMatching(std::move(item));
+    co_return found ? *found : '[' + QByteArray::number(qToUnderlying(found.error())) + ']';
+}
+
+/// The secret, or the number of the status in brackets.
+QByteArray secret(FileSecretStore &store, const SecretItem &item)
+{
+    return QCoro::waitFor(read(store, item));
+}
+
+void put(const QString &path, const QByteArray &content)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size())
+        qFatal("the test cannot write %s", qPrintable(path));
+}
+
+QByteArray get(const QString &path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("(no file)");
+}
+
+} // namespace
+
+class TestFileSecretStore final : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init()
+    {
+        m_folder = std::make_unique<QTemporaryDir>();
+        m_path = m_folder->filePath(u"data/kestrel/secrets.json"_s);
+    }
+
+    void secretsOfTwoAccountsComeAndGo()
+    {
+        const QByteArray binary("\x00\xff\n\"{}", 6);
+        {
+            FileSecretStore store(m_path);
+            QCOMPARE(secret(store, first), "[-25300]");
+            QCOMPARE(QCoro::waitFor(store.update(first, "1")), SecretStatus::NotFound);
+            QCOMPARE(QCoro::waitFor(store.remove(first)), SecretStatus::NotFound);
+            QVERIFY(!QFile::exists(m_folder->filePath(u"data"_s)));
+
+            QCOMPARE(QCoro::waitFor(store.add(first, "1")), SecretStatus::Success);
+            QCOMPARE(QCoro::waitFor(store.add(second, binary)), SecretStatus::Success);
+            QCOMPARE(QCoro::waitFor(store.update(first, "")), SecretStatus::Success);
+        }
+        FileSecretStore store(m_path);
+        QCOMPARE(secret(store, first), "");
+        QCOMPARE(secret(store, second), binary);
+        QCOMPARE(secret(store, { u"app.other"_s, first.account }), "[-25300]");
+        QCOMPARE(QCoro::waitFor(store.add(second, "again")), SecretStatus::Success);
+        QCOMPARE(QCoro::waitFor(store.remove(second)), SecretStatus::Success);
+        QCOMPARE(secret(store, second), "[-25300]");
+        QCOMPARE(secret(store, first), "");
+    }
+
+    void twoStoresSeeEachOthersSecrets()
+    {
+        FileSecretStore mine(m_path);
+        FileSecretStore theirs(m_path);
+        QCOMPARE(QCoro::waitFor(mine.add(first, "1")), SecretStatus::Success);
+        QCOMPARE(QCoro::waitFor(theirs.add(second, "2")), SecretStatus::Success);
+        QCOMPARE(secret(mine, second), "2");
+        QCOMPARE(secret(theirs, first), "1");
+    }
+
+    void theFileIsNobodyElses()
+    {
+        const mode_t before = umask(0);
+        FileSecretStore store(m_path);
+        const SecretStatus added = QCoro::waitFor(store.add(first, "1"));
+        umask(before);
+        QCOMPARE(added, SecretStatus::Success);
+        QCOMPARE(QFile::permissions(m_path), onlyMine);
+        QCOMPARE(QFile::permissions(QFileInfo(m_path).path()), onlyMine | QFile::ExeOwner | QFile::ExeUser);
+        QVERIFY(!get(m_path).contains("\"1\"")); // nothing that a glance over the shoulder reads
+    }
+
+    void aFileThatOthersMayReadIsClosedToThem()
+    {
+        FileSecretStore store(m_path);
+        QCOMPARE(QCoro::waitFor(store.add(first, "1")), SecretStatus::Success);
+        QFile::setPermissions(m_path, onlyMine | QFile::ReadGroup | QFile::ReadOther);
+        QCOMPARE(secret(store, first), "1");
+        QCOMPARE(QFile::permissions(m_path), onlyMine);
+    }
+
+    void aDamagedFileFailsUntilTheNextSignInAndIsKept_data()
+    {
+        QTest::addColumn<QByteArray>("content");
+        QTest::newRow("cut off") << QByteArray("{\"items\":[{\"service\":\"a");
+        QTest::newRow("another shape") << QByteArray("[]");
+        QTest::newRow("no secret") << QByteArray("{\"items\":[{\"service\":\"a\",\"account\":\"b\"}]}");
+        QTest::newRow("secret is not base64")
+            << QByteArray("{\"items\":[{\"service\":\"a\",\"account\":\"b\",\"secret\":\"*\"}]}");
+        QTest::newRow("zeros") << QByteArray(20, '\0');
+    }
+
+    void aDamagedFileFailsUntilTheNextSignInAndIsKept()
+    {
+        QFETCH(QByteArray, content);
+        QVERIFY(QDir().mkpath(QFileInfo(m_path).path()));
+        put(m_path, content);
+        FileSecretStore store(m_path);
+        const QSignalSpy trouble(&store, &SecretStore::trouble);
+        QCOMPARE(secret(store, first), "[-50]");
+        QCOMPARE(secret(store, second), "[-50]");
+        QCOMPARE(QCoro::waitFor(store.remove(first)), SecretStatus::Failed);
+        QCOMPARE(trouble.size(), 1);
+        QVERIFY(trouble[0][0].toString().contains(m_path));
+        QCOMPARE(get(m_path), content);
+
+        // update, then add: as the keychain does
+        QCOMPARE(QCoro::waitFor(store.update(first, "1")), SecretStatus::NotFound);
+        QCOMPARE(QCoro::waitFor(store.add(first, "1")), SecretStatus::Success);
+        QCOMPARE(secret(store, first), "1");
+        QCOMPARE(get(m_path + u".broken"_s), content);
+        QCOMPARE(QFile::permissions(m_path + u".broken"_s), onlyMine);
+    }
+
+    void whatCannotBeWrittenFailsWithItsReason()
+    {
+        put(m_folder->filePath(u"data"_s), "a file where the folder should be");
+        FileSecretStore store(m_path);
+        const QSignalSpy trouble(&store, &SecretStore::trouble);
+        QCOMPARE(QCoro::waitFor(store.add(first, "1")), SecretStatus::Failed);
+        QCOMPARE(QCoro::waitFor(store.add(first, "1")), SecretStatus::Failed);
+        QCOMPARE(trouble.size(), 1);
+        QVERIFY(trouble[0][0].toString().contains(m_path));
+    }
+
+private:
+    std::unique_ptr<QTemporaryDir> m_folder;
+    QString m_path;
+};
+
+} // namespace kestrel
+
+QTEST_GUILESS_MAIN(kestrel::TestFileSecretStore)
+#include "TestFileSecretStore.moc"

@@ -1,0 +1,133 @@
+#include "platform/linux/XdgLoginItem.h"
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QTemporaryDir>
+#include <QTest>
+#include <gio/gdesktopappinfo.h>
+
+using namespace Qt::StringLiterals;
+
+namespace kestrel {
+
+class TestXdgLoginItem final : public QObject
+{
+    Q_OBJECT
+
+private:
+    std::unique_ptr<QTemporaryDir> m_folder;
+
+    [[nodiscard]] QString autostart() const { return m_folder->filePath(u"config/autostart"_s); }
+    [[nodiscard]] QString entry() const { return autostart() + u"/app.kestrel.Kestrel.desktop"_s; }
+
+    /// A program that leaves "<its path>.started" behind.
+    [[nodiscard]] QString program(const QString &name) const
+    {
+        QFile file(m_folder->filePath(name));
+        if (!file.open(QIODevice::WriteOnly))
+            return {};
+        file.write("#!/bin/sh\ntest $# -eq 0 && : >\"$0.started\"\n");
+        file.close();
+        file.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+        return file.fileName();
+    }
+
+private Q_SLOTS:
+    void init() { m_folder = std::make_unique<QTemporaryDir>(); }
+
+    void theDesktopStartsTheProgram_data()
+    {
+        QTest::addColumn<QString>("name");
+        for (const auto *name : { u"kestrel", u"with space", u"quo\"te'", u"$HOME", u"`id`",
+                                  u"back\\slash\\n", u"two\nlines", u"ünï" })
+            QTest::addRow("%s", qPrintable(QString::fromUtf16(name))) << QString::fromUtf16(name);
+    }
+
+    void theDesktopStartsTheProgram()
+    {
+        QFETCH(QString, name);
+        const QString path = program(name);
+        XdgLoginItem item(autostart(), path);
+        QVERIFY(item.setEnabled(true));
+
+        GDesktopAppInfo *info = g_desktop_app_info_new_from_filename(QFile::encodeName(entry()).constData());
+        QVERIFY(info); // there is none for an entry whose TryExec names no program
+        QVERIFY(g_desktop_app_info_get_boolean(info, "X-GNOME-Autostart-enabled"));
+        const bool launched = g_app_info_launch(G_APP_INFO(info), nullptr, nullptr, nullptr);
+        g_object_unref(info);
+        QVERIFY(launched);
+        QTRY_VERIFY(QFile::exists(path + u".started"_s));
+    }
+
+    void theEntryComesAndGoesAndIsNotRewrittenInBetween()
+    {
+        XdgLoginItem item(autostart(), program(u"kestrel"_s));
+        QVERIFY(item.setEnabled(false));
+        QVERIFY(!QFile::exists(autostart()));
+        QVERIFY(item.setEnabled(true));
+
+        const QDateTime longAgo = QDateTime::fromSecsSinceEpoch(1'000'000);
+        QFile file(entry());
+        QVERIFY(file.open(QIODevice::ReadWrite));
+        QVERIFY(file.setFileTime(longAgo, QFileDevice::FileModificationTime));
+        file.close();
+        QVERIFY(item.setEnabled(true));
+        QCOMPARE(QFileInfo(entry()).lastModified(), longAgo);
+
+        XdgLoginItem moved(autostart(), program(u"kestrel-2"_s));
+        QVERIFY(moved.setEnabled(true));
+        QVERIFY(QFileInfo(entry()).lastModified() != longAgo);
+
+        QVERIFY(item.setEnabled(false));
+        QVERIFY(!QFile::exists(entry()));
+        QVERIFY(item.setEnabled(false));
+    }
+
+    void whatTheDesktopSwitchedOffStaysOff_data()
+    {
+        QTest::addColumn<QByteArray>("line");
+        QTest::newRow("hidden") << QByteArray("Hidden=true");
+        QTest::newRow("GNOME") << QByteArray("X-GNOME-Autostart-enabled = false");
+    }
+
+    void whatTheDesktopSwitchedOffStaysOff()
+    {
+        QFETCH(QByteArray, line);
+        XdgLoginItem item(autostart(), program(u"kestrel"_s));
+        QVERIFY(item.setEnabled(true));
+        QFile file(entry());
+        QVERIFY(file.open(QIODevice::ReadWrite));
+        QByteArray content = file.readAll().replace("X-GNOME-Autostart-enabled=true", line);
+        file.resize(0);
+        file.seek(0);
+        file.write(content);
+        file.close();
+        QVERIFY(!item.setEnabled(true));
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        QCOMPARE(file.readAll(), content);
+
+        QVERIFY(item.setEnabled(false));
+        QVERIFY(item.setEnabled(true));
+    }
+
+    void whatCannotBeDoneSaysWhy()
+    {
+        XdgLoginItem equals(autostart(), u"/opt/a=b/kestrel"_s);
+        QVERIFY(equals.setEnabled(true).error().contains(u"/opt/a=b/kestrel"_s));
+        XdgLoginItem percent(autostart(), u"/opt/100%/kestrel"_s);
+        QVERIFY(!percent.setEnabled(true));
+        XdgLoginItem relative(autostart(), u"kestrel"_s);
+        QVERIFY(!relative.setEnabled(true));
+
+        QVERIFY(QDir().mkpath(entry()));
+        XdgLoginItem blocked(autostart(), program(u"kestrel"_s));
+        QVERIFY(blocked.setEnabled(true).error().contains(entry()));
+        QVERIFY(QDir(entry()).mkdir(u"full"_s));
+        QVERIFY(blocked.setEnabled(false).error().contains(entry()));
+    }
+};
+
+} // namespace kestrel
+
+QTEST_GUILESS_MAIN(kestrel::TestXdgLoginItem)
+#include "TestXdgLoginItem.moc"
