@@ -1,0 +1,132 @@
+#include "demo/HttpServer.h"
+#include <QTcpSocket>
+#include <QTest>
+
+using namespace Qt::StringLiterals;
+using namespace kestrel::demo;
+
+/// Speaks to the server over a bare socket, where the bytes and their pieces are the test's own.
+class TestHttpServer final : public QObject
+{
+    Q_OBJECT
+
+    /// Repeats what was asked.
+    HttpServer m_server { [](const ReceivedRequest &request) {
+        return Answer { .status = 200,
+                        .contentType = "text/plain",
+                        .body = request.method + ' ' + request.path().toUtf8() + ' ' + request.body + '\n' };
+    } };
+    QTcpSocket m_socket;
+    QByteArray m_received;
+
+    void send(const QByteArray &bytes)
+    {
+        m_socket.write(bytes);
+        m_socket.flush();
+    }
+
+    [[nodiscard]] QByteArray received()
+    {
+        m_received += m_socket.readAll();
+        return m_received;
+    }
+
+private Q_SLOTS:
+    void initTestCase() { QVERIFY(m_server.listen(0)); }
+
+    void init()
+    {
+        m_received.clear();
+        m_socket.connectToHost(u"127.0.0.1"_s, m_server.port());
+        QTRY_COMPARE(m_socket.state(), QAbstractSocket::ConnectedState);
+    }
+
+    void cleanup() { m_socket.abort(); }
+
+    void answersARequestThatArrivesInTwoPieces_data()
+    {
+        QTest::addColumn<int>("firstPiece");
+        for (int size = 1; size < request().size(); ++size)
+            QTest::addRow("%d bytes first", size) << size;
+    }
+
+    void answersARequestThatArrivesInTwoPieces()
+    {
+        QFETCH(int, firstPiece);
+        send(request().first(firstPiece));
+        QTest::qWait(0);
+        QVERIFY(received().isEmpty());
+        send(request().mid(firstPiece));
+        QTRY_VERIFY(received().endsWith("\r\n\r\nPOST /a b text\n"));
+    }
+
+    void answersRequestsOfOneConnectionInTheirOrder()
+    {
+        send("GET /1 HTTP/1.1\r\n\r\nGET /2 HTTP/1.1\r\n\r\nGET /3 HTTP/1.1\r\nConnection: close\r\n\r\n"
+             "GET /4 HTTP/1.1\r\n\r\n");
+        QTRY_COMPARE(m_socket.state(), QAbstractSocket::UnconnectedState);
+        const QByteArray text = received();
+        QCOMPARE(text.count("HTTP/1.1 200 OK\r\n"), 3);
+        QVERIFY(text.indexOf("GET /1") < text.indexOf("GET /2"));
+        QVERIFY(text.indexOf("GET /2") < text.indexOf("GET /3"));
+        QVERIFY(text.contains("Connection: close"));
+    }
+
+    void refusesAndCloses_data()
+    {
+        QTest::addColumn<QByteArray>("bytes");
+        QTest::addColumn<QByteArray>("status");
+        QTest::newRow("endless head")
+            << "GET / HTTP/1.1\r\nX: " + QByteArray(largestHead, 'x') << QByteArray("431");
+        QTest::newRow("body over the bound")
+            << QByteArray("POST / HTTP/1.1\r\nContent-Length: 1048577\r\n\r\n") << QByteArray("413");
+        QTest::newRow("body without a length")
+            << QByteArray("POST / HTTP/1.1\r\nTransfer-Encoding: chunked\r\n\r\n") << QByteArray("411");
+        QTest::newRow("length below zero")
+            << QByteArray("POST / HTTP/1.1\r\nContent-Length: -1\r\n\r\n") << QByteArray("400");
+        QTest::newRow("length that is no number")
+            << QByteArray("POST / HTTP/1.1\r\nContent-Length: 1x\r\n\r\n") << QByteArray("400");
+        QTest::newRow("two words") << QByteArray("GET /\r\n\r\n") << QByteArray("400");
+        QTest::newRow("proxy request")
+            << QByteArray("GET http://example.com/ HTTP/1.1\r\n\r\n") << QByteArray("400");
+        QTest::newRow("header without a colon")
+            << QByteArray("GET / HTTP/1.1\r\nHost\r\n\r\n") << QByteArray("400");
+        QTest::newRow("other version") << QByteArray("GET / HTTP/1.0\r\n\r\n") << QByteArray("505");
+        QTest::newRow("another protocol") << QByteArray("\x16\x03\x01 hello\r\n\r\n") << QByteArray("400");
+    }
+
+    void refusesAndCloses()
+    {
+        QFETCH(QByteArray, bytes);
+        QFETCH(QByteArray, status);
+        send(bytes);
+        QTRY_COMPARE(m_socket.state(), QAbstractSocket::UnconnectedState);
+        QVERIFY2(received().startsWith("HTTP/1.1 " + status + ' '), received().left(100).constData());
+    }
+
+    /// All of 127.0.0.0/8 reaches this machine, but only a server on every address would answer there.
+    void listensOn127001Alone_data()
+    {
+        QTest::addColumn<QString>("address");
+        QTest::newRow("another loopback address") << u"127.0.0.2"_s;
+        QTest::newRow("IPv6 loopback") << u"::1"_s;
+    }
+
+    void listensOn127001Alone()
+    {
+        QFETCH(QString, address);
+        QTcpSocket socket;
+        socket.connectToHost(address, m_server.port());
+        QTRY_COMPARE(socket.state(), QAbstractSocket::UnconnectedState);
+        QVERIFY(socket.error() != QAbstractSocket::UnknownSocketError);
+    }
+
+private:
+    [[nodiscard]] static QByteArray request()
+    {
+        return "POST /a%20b HTTP/1.1\r\nHost: 127.0.0.1\r\ncontent-length: 4\r\n\r\ntext";
+    }
+};
+
+QTEST_GUILESS_MAIN(TestHttpServer)
+#include "TestHttpServer.moc"
