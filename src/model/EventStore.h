@@ -7,8 +7,8 @@
 
 namespace kestrel {
 
-/// The one list of upcoming meetings that everything on screen reads. Written only by the refresh loop. Queries
-/// without a `now` read the clock once. Main thread only; the clock must outlive it.
+/// The one list of upcoming meetings that everything on screen reads. Written only by the refresh loop.
+/// Queries without a `now` read the clock once. Main thread only; the clock must outlive it.
 class EventStore final : public QObject
 {
     Q_OBJECT

@@ -7,7 +7,7 @@
 
 namespace kestrel {
 
-/// Finds at most one join link in what an event offers. Stateless; its patterns are compiled once per process.
+/// Finds at most one join link in what an event offers. Stateless, so one may be shared by all threads.
 /// Linear in the length of the texts, whatever stands in them.
 class MeetingLinkDetector final
 {
@@ -20,11 +20,12 @@ public:
         friend bool operator==(const Resolution &, const Resolution &) = default;
     };
 
-    /// A safe conference link first, then the platforms' patterns over description and location, then any https
-    /// link. An absent text is a null QString.
+    /// A safe conference link first, then the platforms' patterns over description and location, then any
+    /// https link. An absent text is a null QString.
     [[nodiscard]] std::optional<Resolution> resolve(const std::optional<QUrl> &conferenceURL,
                                                     const std::optional<MeetingPlatform> &hint,
-                                                    const QString &description, const QString &location) const;
+                                                    const QString &description,
+                                                    const QString &location) const;
 };
 
 /// True for an allowlisted host and its subdomains; `host` is lower-case already.
