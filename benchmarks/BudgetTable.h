@@ -1,0 +1,48 @@
+#pragma once
+#include <benchmark/benchmark.h>
+#include <functional>
+#include <map>
+#include <string>
+#include <vector>
+
+namespace kestrel {
+
+/// What a benchmark may cost: a time, or a multiple of what another benchmark of the same run costs. One with
+/// neither is there to be compared with.
+struct Budget
+{
+    std::string benchmark;
+    double milliseconds = 0;
+    std::string comparedTo = {};
+    double factor = 1;
+};
+
+/// Prints one line a budget, in their order: what was measured, what it may be, and whether it is. Of several
+/// repetitions each figure is the median; medians are compared; a benchmark that did not run in this run is
+/// left out. It never fails the program: machines differ.
+class BudgetTable final : public benchmark::BenchmarkReporter
+{
+public:
+    explicit BudgetTable(std::vector<Budget> budgets);
+
+    bool ReportContext(const Context &context) override;
+    void ReportRuns(const std::vector<Run> &runs) override;
+    void Finalize() override;
+
+private:
+    struct Times
+    {
+        double min = 0;
+        double median = 0;
+        double p99 = 0;
+    };
+
+    std::vector<Budget> m_budgets;
+    std::map<std::string, Times> m_measured;
+};
+
+/// Runs `work` once an iteration, times each run and leaves min, median and p99 (in milliseconds) in the
+/// counters that the table reads.
+void measure(benchmark::State &state, const std::function<void()> &work);
+
+} // namespace kestrel
