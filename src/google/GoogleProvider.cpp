@@ -66,7 +66,11 @@ GoogleProvider::GoogleProvider(AccountRegistry &registry, const AuthServices &se
         session(account.id);
 }
 
-GoogleProvider::~GoogleProvider() = default;
+GoogleProvider::~GoogleProvider()
+{
+    // by hand, so that a sign-in that resumes for it finds itself gone
+    std::exchange(m_signingIn, {}).clear();
+}
 
 GoogleOAuth &GoogleProvider::oauth(const QString &accountID)
 {
@@ -94,10 +98,14 @@ QCoro::Task<std::expected<CalendarAccount, AuthError>> GoogleProvider::signIn()
 {
     const QPointer self(this);
     const QString accountID = QUuid::createUuid().toString(QUuid::WithoutBraces).toUpper();
-    const auto session = std::make_shared<Session>(accountID, m_services, m_turns);
-    const auto signedIn = co_await session->oauth.signIn();
+    m_signingIn.emplace(accountID, std::make_shared<Session>(accountID, m_services, m_turns));
+    const auto signedIn = co_await m_signingIn.at(accountID)->oauth.signIn();
+    const auto pending = self ? m_signingIn.extract(accountID) : decltype(m_signingIn)::node_type();
     if (!signedIn)
         co_return std::unexpected(signedIn.error());
+    if (!pending)
+        co_return std::unexpected(OAuthError { OAuthError::Kind::NotSignedIn, 0, {} });
+    const auto session = pending.mapped();
 
     CalendarAccount account;
     account.id = accountID;
@@ -105,10 +113,8 @@ QCoro::Task<std::expected<CalendarAccount, AuthError>> GoogleProvider::signIn()
     account.email = session->oauth.accountEmail();
     account.displayName = u"Google Calendar"_s;
     account.meetLaunchMode = MeetLaunchMode::Popup;
-    if (self) {
-        keep(session);
-        m_registry.add(account);
-    }
+    keep(session);
+    m_registry.add(account);
     co_return account;
 }
 

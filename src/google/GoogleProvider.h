@@ -15,9 +15,8 @@ namespace kestrel {
 struct FetchError
 {
     enum class Kind {
-        Superseded, ///< a newer fetch took this one's place while both waited for a network: keep what is
-                    ///< known
-        AccountGone, ///< the account was signed out meanwhile
+        Superseded, ///< by a newer fetch, while both waited for a network: what is known stays
+        AccountGone, ///< it was signed out meanwhile
     };
     Kind kind = Kind::Superseded;
 
@@ -25,7 +24,8 @@ struct FetchError
 };
 
 /// The one source of meetings: keeps a session per signed-in Google account. A task that is under way keeps
-/// what it works with and may outlive the provider: it then ends without a trace. Main thread only.
+/// what it works with and may outlive the provider: it then ends without a trace. Only a sign-in ends with
+/// the provider, since it waits for a person. Main thread only.
 class GoogleProvider final : public QObject
 {
     Q_OBJECT
@@ -72,6 +72,7 @@ private:
     std::shared_ptr<PageTurns> m_turns;
     QMap<QString, QList<ProviderCalendar>> m_calendarsByAccount;
     std::map<QString, std::shared_ptr<Session>> m_sessions;
+    std::map<QString, std::shared_ptr<Session>> m_signingIn;
 };
 
 } // namespace kestrel
