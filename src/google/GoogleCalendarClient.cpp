@@ -12,7 +12,8 @@ namespace kestrel {
 
 namespace {
 
-template<typename T> using Decode = std::expected<T, DecodingError> (*)(QByteArrayView);
+template<typename T>
+using Decode = std::expected<T, DecodingError> (*)(QByteArrayView);
 
 CalendarFailure failureOf(const TransportError &error)
 {
