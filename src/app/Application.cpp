@@ -1,0 +1,142 @@
+#include "app/Application.h"
+#include "app/GoogleClientFile.h"
+#include "app/TerminationSignals.h"
+#include "base/Log.h"
+#include "base/StartTask.h"
+#include "platform/linux/DBusSessionInstance.h"
+#include "platform/linux/DesktopUrlOpener.h"
+#include "platform/linux/FileSecretStore.h"
+#include "platform/linux/IniPreferenceStore.h"
+#include "platform/linux/QtHttpTransport.h"
+#include "platform/linux/SecretServiceStore.h"
+#include "platform/linux/SystemConnectivity.h"
+#include <QCoreApplication>
+#include <QTimer>
+
+using namespace Qt::StringLiterals;
+
+namespace kestrel {
+
+namespace {
+
+VerbResult failure(int exitCode, const QString &error)
+{
+    return { exitCode, {}, error + u'\n' };
+}
+
+const auto noBusMessage =
+    u"Kestrel needs a session bus (D-Bus), and there is none here. In a bare shell: dbus-run-session -- kestrel"_s;
+
+std::unique_ptr<SecretStore> makeSecretStore(const QString &kind, const InstancePlace &place)
+{
+    if (kind == "file"_L1)
+        return std::make_unique<FileSecretStore>(place.secretsFile);
+    return std::make_unique<SecretServiceStore>();
+}
+
+QCoro::Task<void> printAndQuit(QCoro::Task<VerbResult> task, int &exitCode)
+{
+    exitCode = printResult(co_await std::move(task));
+    QCoreApplication::quit();
+}
+
+} // namespace
+
+Application::Application(const CommandLine &line, InstancePlace place, GoogleClient client)
+    : m_line(line)
+    , m_place(std::move(place))
+    , m_client(std::move(client))
+    , m_instance(std::make_unique<DBusSessionInstance>(m_place.busName))
+    , m_preferenceStore(std::make_unique<IniPreferenceStore>(m_place.preferencesFile))
+{
+    m_language.apply(*m_preferenceStore);
+    QObject::connect(m_preferenceStore.get(), &PreferenceStore::changedElsewhere, m_preferenceStore.get(),
+                     [this] { m_language.apply(*m_preferenceStore); });
+    QObject::connect(m_preferenceStore.get(), &PreferenceStore::writeFailed, m_preferenceStore.get(),
+                     [](const QString &message) { qCWarning(lcApp).noquote() << message; });
+}
+
+Application::~Application() = default;
+
+PlatformServices Application::services()
+{
+    if (!m_secrets) {
+        const QString kind = m_line.secretStore.isEmpty()
+            ? m_preferenceStore->string(u"secretStore"_s).value_or(QString())
+            : m_line.secretStore;
+        m_secrets = makeSecretStore(kind, m_place);
+        QObject::connect(m_secrets.get(), &SecretStore::trouble, m_secrets.get(),
+                         [](const QString &message) { qCWarning(lcAuth).noquote() << message; });
+        m_connectivity = std::make_unique<SystemConnectivity>();
+        m_transport = std::make_unique<QtHttpTransport>(*m_connectivity);
+        m_opener = std::make_unique<DesktopUrlOpener>();
+    }
+    return { *m_preferenceStore, *m_secrets, *m_transport,         *m_opener, m_clock,
+             m_place.endpoints,  m_client,   m_place.secretService };
+}
+
+void Application::makeAccounts()
+{
+    const PlatformServices platform = services();
+    m_registry = std::make_unique<AccountRegistry>(*m_preferenceStore);
+    m_google = std::make_unique<GoogleProvider>(
+        *m_registry,
+        AuthServices { platform.secrets, platform.transport, platform.opener, platform.clock,
+                       platform.endpoints, platform.client, platform.secretService });
+    m_verbs =
+        std::make_unique<Verbs>(*m_registry, *m_google, missingClientMessage(m_place.clientFile, m_client));
+}
+
+int Application::run()
+{
+    const auto claim =
+        m_instance->claim([this](QStringList arguments) { return m_verbs->run(std::move(arguments)); });
+    if (claim == SessionInstance::Claim::Taken)
+        return runVerb();
+    if (claim == SessionInstance::Claim::Unreachable)
+        return printResult(failure(ExitCode::Failed, noBusMessage));
+
+    const TerminationSignals signals;
+    m_environment = std::make_unique<AppEnvironment>(services());
+    m_verbs = std::make_unique<Verbs>(m_environment->registry(), m_environment->google(),
+                                      missingClientMessage(m_place.clientFile, m_client));
+    m_verbs->setEnvironment(m_environment.get());
+    qCInfo(lcApp).noquote() << "Kestrel launched";
+    return QCoreApplication::exec();
+}
+
+int Application::runVerb()
+{
+    int exitCode = ExitCode::Success;
+    QTimer::singleShot(0, m_instance.get(), [&] { startTask("verb", printAndQuit(verbResult(), exitCode)); });
+    QCoreApplication::exec();
+    return exitCode;
+}
+
+QCoro::Task<VerbResult> Application::verbResult()
+{
+    if (m_line.verb != "accounts"_L1)
+        co_return co_await handedOver();
+    // Listing reads the preferences alone and works beside anything; adding and removing are the instance's
+    // business.
+    if (m_line.arguments[0] != "list"_L1) {
+        const auto claim =
+            m_instance->claim([this](QStringList arguments) { return m_verbs->run(std::move(arguments)); });
+        if (claim == SessionInstance::Claim::Taken)
+            co_return co_await handedOver();
+        if (claim == SessionInstance::Claim::Unreachable)
+            co_return failure(ExitCode::Failed, noBusMessage);
+    }
+    makeAccounts();
+    co_return co_await m_verbs->run(m_line.forHandOver());
+}
+
+QCoro::Task<VerbResult> Application::handedOver()
+{
+    const auto result = co_await m_instance->handOver(m_line.forHandOver());
+    if (!result)
+        co_return failure(ExitCode::NotRunning, result.error());
+    co_return *result;
+}
+
+} // namespace kestrel

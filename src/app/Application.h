@@ -1,0 +1,56 @@
+#pragma once
+#include "app/AppEnvironment.h"
+#include "app/CommandLine.h"
+#include "app/InstancePlace.h"
+#include "app/Language.h"
+#include "app/Verbs.h"
+#include "base/Clock.h"
+#include "platform/SessionInstance.h"
+#include <QCoro/QCoroTask>
+#include <memory>
+
+namespace kestrel {
+
+class Connectivity;
+
+/// Puts the platform behind the interfaces, and lives as long as the process. The only place that names
+/// concrete platform classes.
+class Application final
+{
+public:
+    Application(const CommandLine &line, InstancePlace place, GoogleClient client);
+    ~Application();
+    Application(const Application &) = delete;
+    Application &operator=(const Application &) = delete;
+
+    /// Kestrel itself, in the foreground: returns its exit code when it was asked to end.
+    [[nodiscard]] int run();
+
+    /// One verb: handed over to the running instance, or carried out here where the verb can do without one.
+    [[nodiscard]] int runVerb();
+
+private:
+    [[nodiscard]] QCoro::Task<VerbResult> verbResult();
+    [[nodiscard]] QCoro::Task<VerbResult> handedOver();
+    /// The accounts and their sign-in, without the refresh loop.
+    void makeAccounts();
+    [[nodiscard]] PlatformServices services();
+
+    CommandLine m_line;
+    InstancePlace m_place;
+    GoogleClient m_client;
+    SystemClock m_clock;
+    Language m_language;
+    std::unique_ptr<SessionInstance> m_instance;
+    std::unique_ptr<PreferenceStore> m_preferenceStore;
+    std::unique_ptr<SecretStore> m_secrets;
+    std::unique_ptr<Connectivity> m_connectivity;
+    std::unique_ptr<HttpTransport> m_transport;
+    std::unique_ptr<UrlOpener> m_opener;
+    std::unique_ptr<AccountRegistry> m_registry; ///< only while a verb works without the environment
+    std::unique_ptr<GoogleProvider> m_google; ///< likewise
+    std::unique_ptr<AppEnvironment> m_environment;
+    std::unique_ptr<Verbs> m_verbs;
+};
+
+} // namespace kestrel

@@ -1,0 +1,97 @@
+#include "app/InstancePlace.h"
+#include "base/AppIdentifier.h"
+#include <QCryptographicHash>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QStandardPaths>
+
+using namespace Qt::StringLiterals;
+
+namespace kestrel {
+
+namespace {
+
+/// Lies in a data folder that was created for a sample Google, and in no other.
+constexpr auto markerName = "made-for-a-sample-google"_L1;
+
+/// Two folders never share a bus name, and one folder has the same name through every path that leads to it.
+QString suffixOf(const QString &folder)
+{
+    const QByteArray path = QFileInfo(folder).canonicalFilePath().toUtf8();
+    return u".data_"_s
+        + QString::fromLatin1(QCryptographicHash::hash(path, QCryptographicHash::Sha256).toHex().left(12));
+}
+
+std::expected<void, QString> prepareFolder(const QString &folder, bool forSampleGoogle)
+{
+    QDir directory(folder);
+    const bool isNew =
+        !directory.exists() || directory.isEmpty(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
+    const bool isMarked = directory.exists(markerName);
+    if (forSampleGoogle && !isNew && !isMarked) {
+        return std::unexpected(
+            u"The data folder %1 was not created for a test server. Give --google-base together with "
+            "a new --data folder."_s.arg(folder));
+    }
+    if (!forSampleGoogle && isMarked) {
+        return std::unexpected(
+            u"The data folder %1 was created for a test server. Give its --google-base, or another folder."_s
+                .arg(folder));
+    }
+    if (!directory.mkpath(u"."_s))
+        return std::unexpected(u"The data folder %1 cannot be created."_s.arg(folder));
+    if (!isNew)
+        return {};
+    QFile::setPermissions(folder, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    if (forSampleGoogle) {
+        QFile marker(directory.filePath(markerName));
+        if (!marker.open(QIODevice::WriteOnly))
+            return std::unexpected(
+                u"The data folder %1 cannot be written: %2"_s.arg(folder, marker.errorString()));
+    }
+    return {};
+}
+
+} // namespace
+
+std::expected<InstancePlace, QString> InstancePlace::resolve(const QString &dataFolder,
+                                                             const QString &googleBase)
+{
+    InstancePlace place;
+    place.busName = AppIdentifier;
+    place.secretService = AppIdentifier;
+    place.endpoints = GoogleEndpoints::publicHosts();
+    if (!googleBase.isEmpty()) {
+        auto endpoints = GoogleEndpoints::at(QUrl(googleBase, QUrl::StrictMode));
+        if (!endpoints)
+            return std::unexpected(endpoints.error());
+        if (dataFolder.isEmpty())
+            return std::unexpected(u"--google-base needs a data folder of its own: give --data as well."_s);
+        place.endpoints = *endpoints;
+        place.isSampleGoogle = true;
+    }
+
+    if (dataFolder.isEmpty()) {
+        const QString config =
+            QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) + u"/kestrel/"_s;
+        place.preferencesFile = config + u"kestrel.ini"_s;
+        place.clientFile = config + u"google-client.json"_s;
+        place.secretsFile = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation)
+            + u"/kestrel/secrets.json"_s;
+        return place;
+    }
+
+    const QString folder = QDir(dataFolder).absolutePath();
+    if (const auto prepared = prepareFolder(folder, place.isSampleGoogle); !prepared)
+        return std::unexpected(prepared.error());
+    place.busName += suffixOf(folder);
+    place.secretService += suffixOf(folder);
+    place.dataFolder = folder;
+    place.preferencesFile = folder + u"/kestrel.ini"_s;
+    place.clientFile = folder + u"/google-client.json"_s;
+    place.secretsFile = folder + u"/secrets.json"_s;
+    return place;
+}
+
+} // namespace kestrel

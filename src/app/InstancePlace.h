@@ -1,0 +1,29 @@
+#pragma once
+#include "auth/GoogleConfiguration.h"
+#include <QString>
+#include <expected>
+
+namespace kestrel {
+
+/// Where one Kestrel lives: its names and files, and the Google it talks to. A data folder (--data) keeps all
+/// of it apart from the person's own.
+struct InstancePlace
+{
+    QString busName;
+    QString secretService; ///< the `service` attribute of its secrets
+    QString preferencesFile;
+    QString clientFile; ///< the user's own OAuth client
+    QString secretsFile; ///< used only where the file store was asked for
+    QString dataFolder; ///< empty for the person's own Kestrel
+    GoogleEndpoints endpoints;
+    bool isSampleGoogle = false; ///< the endpoints are a base on loopback, not Google
+
+    /// `dataFolder` and `googleBase` as given on the command line or in KESTREL_DATA and KESTREL_GOOGLE_BASE;
+    /// empty when not given. Creates the data folder. A base is refused without a data folder that was
+    /// created for one, and the other way round, so that real tokens never go to a test server. The error
+    /// says what to do.
+    [[nodiscard]] static std::expected<InstancePlace, QString> resolve(const QString &dataFolder,
+                                                                       const QString &googleBase);
+};
+
+} // namespace kestrel

@@ -1,0 +1,243 @@
+#include "app/Verbs.h"
+#include "app/AgendaText.h"
+#include "app/AppEnvironment.h"
+#include "app/MeetingJson.h"
+#include "google/AccountRegistry.h"
+#include "google/CalendarDecoder.h"
+#include "google/GoogleEventMapper.h"
+#include "google/GoogleProvider.h"
+#include "platform/HttpTransport.h"
+#include <QFile>
+#include <QJsonDocument>
+#include <cstdio>
+
+using namespace Qt::StringLiterals;
+
+namespace kestrel {
+
+namespace {
+
+VerbResult done(const QString &output)
+{
+    return { ExitCode::Success, output, {} };
+}
+
+VerbResult failed(int exitCode, const QString &error)
+{
+    return { exitCode, {}, error.endsWith(u'\n') ? error : error + u'\n' };
+}
+
+QString jsonText(const auto &value)
+{
+    return QString::fromUtf8(QJsonDocument(value).toJson(QJsonDocument::Indented));
+}
+
+QString accountName(const CalendarAccount &account)
+{
+    return terminalText(account.email.value_or(account.displayName));
+}
+
+QJsonObject meetingOrNull(const QList<Meeting> &meetings)
+{
+    return meetings.isEmpty() ? QJsonObject() : toJson(meetings.first());
+}
+
+QString countOf(qsizetype count, QLatin1StringView one, QLatin1StringView many)
+{
+    return QString::number(count) + u' ' + (count == 1 ? one : many);
+}
+
+} // namespace
+
+Verbs::Verbs(AccountRegistry &registry, GoogleProvider &google, QString missingClient)
+    : m_registry(registry)
+    , m_google(google)
+    , m_missingClient(std::move(missingClient))
+{
+}
+
+QCoro::Task<VerbResult> Verbs::run(QStringList arguments)
+{
+    const auto line = CommandLine::parse(QStringList { u"kestrel"_s } + arguments);
+    if (!line)
+        co_return failed(ExitCode::Usage, line.error());
+    if (line->verb == "accounts"_L1) {
+        if (line->arguments[0] == "add"_L1)
+            co_return co_await addAccount();
+        if (line->arguments[0] == "remove"_L1)
+            co_return co_await removeAccount(line->arguments[1]);
+        co_return listAccounts(line->json);
+    }
+    if (!m_environment)
+        co_return failed(ExitCode::NotRunning,
+                         u"Another Kestrel command is at work; try again in a moment."_s);
+    if (line->verb.isEmpty())
+        co_return done(u"Kestrel is running already.\n"_s);
+    if (line->verb == "agenda"_L1)
+        co_return agenda(line->json);
+    if (line->verb == "status"_L1)
+        co_return status(line->json);
+    if (line->verb == "refresh"_L1)
+        co_return co_await refresh();
+    co_return failed(ExitCode::Usage, u"\"%1\" is not for a running Kestrel."_s.arg(line->verb));
+}
+
+VerbResult Verbs::agenda(bool json) const
+{
+    const EventStore &store = m_environment->store();
+    if (json)
+        return done(jsonText(toJson(store.upcoming())));
+    if (m_registry.accounts().isEmpty())
+        return done(u"No account is connected. Sign in with: kestrel accounts add\n"_s);
+    if (!m_environment->lastRefresh())
+        return done(u"The calendars have not been read yet.\n"_s);
+    return done(agendaText(store, m_environment->clock().now()));
+}
+
+VerbResult Verbs::status(bool json) const
+{
+    const EventStore &store = m_environment->store();
+    const Instant now = m_environment->clock().now();
+    const QList<Meeting> ongoing = store.ongoing(now);
+    const QList<Meeting> next = store.nextUp(now);
+    const auto lastRefresh = m_environment->lastRefresh();
+    if (json) {
+        QJsonArray accounts;
+        for (const CalendarAccount &account : m_registry.accounts()) {
+            accounts.append(
+                QJsonObject { { u"id"_s, account.id },
+                              { u"email"_s, account.email ? QJsonValue(*account.email) : QJsonValue::Null },
+                              { u"isSignedIn"_s, m_google.oauth(account.id).isSignedIn() } });
+        }
+        const QJsonObject nextMeeting = meetingOrNull(next);
+        return done(jsonText(QJsonObject {
+            { u"accounts"_s, accounts },
+            { u"isRefreshing"_s, m_environment->isRefreshing() },
+            { u"lastRefresh"_s,
+              lastRefresh ? QJsonValue(toInternetDateTimeWithMilliseconds(*lastRefresh)) : QJsonValue::Null },
+            { u"upcoming"_s, store.upcoming().size() },
+            { u"ongoing"_s, toJson(ongoing) },
+            { u"next"_s, nextMeeting.isEmpty() ? QJsonValue::Null : QJsonValue(nextMeeting) },
+        }));
+    }
+
+    QString text;
+    for (const Meeting &meeting : ongoing)
+        text += u"Now: %1\n"_s.arg(terminalText(meeting.title));
+    for (const Meeting &meeting : next)
+        text += u"Next: %1, %2\n"_s.arg(terminalText(meeting.title), untilText(meeting.start, now));
+    if (text.isEmpty())
+        text = u"No meetings in the next 24 hours.\n"_s;
+    for (const CalendarAccount &account : m_registry.accounts()) {
+        const bool isSignedIn = m_google.oauth(account.id).isSignedIn();
+        text += u"Account: %1%2\n"_s.arg(accountName(account), isSignedIn ? QString() : u", not signed in"_s);
+    }
+    if (m_registry.accounts().isEmpty())
+        text += u"No account is connected. Sign in with: kestrel accounts add\n"_s;
+    text += u"Last refresh: %1\n"_s.arg(lastRefresh ? toInternetDateTime(*lastRefresh) : u"none yet"_s);
+    return done(text);
+}
+
+QCoro::Task<VerbResult> Verbs::refresh()
+{
+    co_await m_environment->refresh();
+    const auto accounts = countOf(m_registry.accounts().size(), "account"_L1, "accounts"_L1);
+    const auto meetings = countOf(m_environment->store().upcoming().size(), "meeting"_L1, "meetings"_L1);
+    co_return done(u"%1, %2\n"_s.arg(accounts, meetings));
+}
+
+QCoro::Task<VerbResult> Verbs::addAccount()
+{
+    if (!m_missingClient.isEmpty())
+        co_return failed(ExitCode::Failed, m_missingClient);
+    const auto account = co_await m_google.signIn();
+    if (!account)
+        co_return failed(ExitCode::Failed, description(account.error()));
+    co_return done(u"Signed in: %1 (%2)\n"_s.arg(accountName(*account), account->id));
+}
+
+VerbResult Verbs::listAccounts(bool json) const
+{
+    QJsonArray array;
+    QString text;
+    for (const CalendarAccount &account : m_registry.accounts()) {
+        array.append(account.toJson());
+        text += u"%1  %2\n"_s.arg(account.id, accountName(account));
+    }
+    if (json)
+        return done(jsonText(array));
+    return done(text.isEmpty() ? u"No account is connected. Sign in with: kestrel accounts add\n"_s : text);
+}
+
+QCoro::Task<VerbResult> Verbs::removeAccount(QString name)
+{
+    QStringList ids;
+    for (const CalendarAccount &account : m_registry.accounts()) {
+        if (account.id == name || account.email == name)
+            ids.append(account.id);
+    }
+    if (ids.isEmpty())
+        co_return failed(ExitCode::Failed,
+                         u"No account is called \"%1\". kestrel accounts list shows them."_s.arg(name));
+    // The same person may be signed in twice under one address.
+    if (ids.size() > 1)
+        co_return failed(ExitCode::Failed,
+                         u"Several accounts are called \"%1\"; give the identifier."_s.arg(name));
+    const auto signedOut = co_await m_google.signOut(ids.first());
+    if (!signedOut)
+        co_return failed(ExitCode::Failed, signedOut.error().description());
+    co_return done(u"Signed out: %1\n"_s.arg(name));
+}
+
+int printResult(const VerbResult &result)
+{
+    std::fputs(result.output.toUtf8().constData(), stdout);
+    std::fputs(result.errors.toUtf8().constData(), stderr);
+    return result.exitCode;
+}
+
+VerbResult meetingsOfFile(const CommandLine &line)
+{
+    std::optional<Instant> now;
+    if (line.now) {
+        now = parseInternetDateTime(*line.now);
+        if (!now)
+            return failed(ExitCode::Usage, u"--now wants a time like 2026-03-01T09:30:00Z."_s);
+    }
+    const QString &path = line.arguments[0];
+    QFile file(path);
+    const bool opened =
+        path == "-"_L1 ? file.open(stdin, QIODevice::ReadOnly) : file.open(QIODevice::ReadOnly);
+    if (!opened)
+        return failed(ExitCode::Failed, u"%1: %2"_s.arg(path, file.errorString()));
+    QByteArray json;
+    for (QByteArray chunk; json.size() <= HttpTransport::largestAnswer;) {
+        chunk = file.read(HttpTransport::largestAnswer + 1 - json.size());
+        if (chunk.isEmpty())
+            break;
+        json += chunk;
+    }
+    if (json.size() > HttpTransport::largestAnswer)
+        return failed(ExitCode::Failed, u"%1: answer too large"_s.arg(path));
+    const auto answer = decodeEventsList(json);
+    if (!answer)
+        return failed(ExitCode::Failed,
+                      u"%1: Decoding failed: %2"_s.arg(path, terminalText(answer.error().description)));
+
+    const GoogleEventMapper mapper;
+    const GoogleEventMapper::Origin origin { line.account, line.calendar, {}, {}, MeetLaunchMode::Tab };
+    QList<Meeting> meetings;
+    for (const Google::Event &event : answer->items) {
+        if (auto meeting = mapper.map(event, origin))
+            meetings.append(*std::move(meeting));
+    }
+    if (now) {
+        const FixedClock clock(*now);
+        EventStore store(clock);
+        store.replace(line.account, meetings);
+        meetings = store.upcoming();
+    }
+    return done(line.json ? jsonText(toJson(meetings)) : meetingsText(meetings));
+}
+
+} // namespace kestrel

@@ -1,0 +1,48 @@
+#pragma once
+#include "app/CommandLine.h"
+#include "platform/SessionInstance.h"
+#include <QCoro/QCoroTask>
+#include <QString>
+
+namespace kestrel {
+
+class AccountRegistry;
+class AppEnvironment;
+class GoogleProvider;
+
+/// Carries out the verbs that need the accounts, and the running environment where there is one. What it is
+/// given outlives it. Main thread only.
+class Verbs final
+{
+public:
+    /// `missingClient` is what to say instead of a sign-in that cannot work; empty when it can.
+    Verbs(AccountRegistry &registry, GoogleProvider &google, QString missingClient);
+
+    /// From now on the verbs that ask the running Kestrel work too.
+    void setEnvironment(AppEnvironment *environment) { m_environment = environment; }
+
+    /// `arguments` as CommandLine::forHandOver() makes them; whatever else comes over the bus ends as a usage
+    /// error.
+    [[nodiscard]] QCoro::Task<VerbResult> run(QStringList arguments);
+
+private:
+    [[nodiscard]] VerbResult agenda(bool json) const;
+    [[nodiscard]] VerbResult status(bool json) const;
+    [[nodiscard]] QCoro::Task<VerbResult> refresh();
+    [[nodiscard]] QCoro::Task<VerbResult> addAccount();
+    [[nodiscard]] VerbResult listAccounts(bool json) const;
+    [[nodiscard]] QCoro::Task<VerbResult> removeAccount(QString account);
+
+    AccountRegistry &m_registry;
+    GoogleProvider &m_google;
+    QString m_missingClient;
+    AppEnvironment *m_environment = nullptr;
+};
+
+/// Prints to stdout and stderr; returns the exit code.
+int printResult(const VerbResult &result);
+
+/// Decodes and maps a saved calendar answer; needs no running Kestrel.
+[[nodiscard]] VerbResult meetingsOfFile(const CommandLine &line);
+
+} // namespace kestrel

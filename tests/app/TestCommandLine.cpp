@@ -1,0 +1,88 @@
+#include "app/CommandLine.h"
+#include <QTest>
+
+using namespace kestrel;
+using namespace Qt::StringLiterals;
+
+class TestCommandLine : public QObject
+{
+    Q_OBJECT
+private Q_SLOTS:
+    void initTestCase()
+    {
+        qunsetenv("KESTREL_DATA");
+        qunsetenv("KESTREL_GOOGLE_BASE");
+    }
+
+    void acceptsWhatAVerbTakes_data()
+    {
+        QTest::addColumn<QString>("call");
+        QTest::addColumn<bool>("accepted");
+
+        const auto row = [](const char *call, bool accepted) {
+            QTest::addRow("%s", call) << QString::fromLatin1(call) << accepted;
+        };
+        row("", true);
+        row("agenda --json", true);
+        row("--json status", true);
+        row("refresh", true);
+        row("refresh --json", false);
+        row("agenda today", false);
+        row("accounts", false);
+        row("accounts --help", true);
+        row("accounts add", true);
+        row("accounts add somebody", false);
+        row("accounts list --json", true);
+        row("accounts remove", false);
+        row("accounts remove A", true);
+        row("accounts rename A", false);
+        row("meetings", false);
+        row("meetings saved.json --now 2026-03-01T09:30:00Z --account A --calendar C --json", true);
+        row("agenda --now 2026-03-01T09:30:00Z", false);
+        row("meetings saved.json --now", false);
+        row("--json", false);
+        row("jion", false);
+        row("--secret-store file", true);
+        row("--secret-store cloud", false);
+        row("agenda --colour", false);
+    }
+
+    void acceptsWhatAVerbTakes()
+    {
+        QFETCH(QString, call);
+        QFETCH(bool, accepted);
+
+        const auto line = CommandLine::parse(u"kestrel "_s.append(call).split(u' ', Qt::SkipEmptyParts));
+
+        QCOMPARE(line.has_value(), accepted);
+        if (!accepted)
+            QVERIFY(!line.error().isEmpty());
+    }
+
+    void survivesTheHandOver()
+    {
+        const auto line = CommandLine::parse({ u"kestrel"_s, u"accounts"_s, u"list"_s, u"--json"_s });
+        QVERIFY(line);
+
+        const auto again = CommandLine::parse(QStringList { u"kestrel"_s } + line->forHandOver());
+
+        QVERIFY(again);
+        QCOMPARE(again->verb, u"accounts"_s);
+        QCOMPARE(again->arguments, QStringList { u"list"_s });
+        QVERIFY(again->json);
+    }
+
+    void takesFoldersFromTheEnvironmentUnlessGiven()
+    {
+        qputenv("KESTREL_DATA", "from-environment");
+        const auto fromEnvironment = CommandLine::parse({ u"kestrel"_s, u"agenda"_s });
+        const auto given = CommandLine::parse({ u"kestrel"_s, u"agenda"_s, u"--data"_s, u"given"_s });
+        qunsetenv("KESTREL_DATA");
+
+        QCOMPARE(fromEnvironment.value().dataFolder, u"from-environment"_s);
+        QCOMPARE(given.value().dataFolder, u"given"_s);
+    }
+};
+
+QTEST_GUILESS_MAIN(TestCommandLine)
+#include "TestCommandLine.moc"
