@@ -2,7 +2,6 @@
 #include "base/StartTask.h"
 #include <QCoro/QCoroDBusPendingCall>
 #include <QDBusConnectionInterface>
-#include <QDBusError>
 #include <QDBusPendingCall>
 #include <QDBusReply>
 #include <limits>
@@ -60,7 +59,8 @@ QCoro::Task<std::expected<VerbResult, QString>> DBusSessionInstance::handOver(QS
     call << arguments;
     // A sign-in takes as long as the person does; should the instance end, the bus answers at once.
     const QDBusMessage reply = co_await bus.asyncCall(call, std::numeric_limits<int>::max());
-    if (reply.errorName() == QDBusError::errorString(QDBusError::ServiceUnknown))
+    if (reply.errorName() == "org.freedesktop.DBus.Error.ServiceUnknown"_L1
+        || reply.errorName() == "org.freedesktop.DBus.Error.NameHasNoOwner"_L1)
         co_return std::unexpected(u"Kestrel is not running. Start it with: kestrel"_s);
     if (reply.type() == QDBusMessage::ErrorMessage)
         co_return std::unexpected(reply.errorMessage());
