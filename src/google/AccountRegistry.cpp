@@ -70,7 +70,7 @@ std::optional<QList<CalendarAccount>> AccountRegistry::stored() const
         return {};
 
     QList<CalendarAccount> accounts;
-    for (const QJsonValue &value : document.array()) {
+    for (const auto &value : document.array()) {
         auto account = value.isObject() ? CalendarAccount::fromJson(value.toObject())
                                         : std::unexpected(DecodingError { u"not an object"_s });
         if (!account)

@@ -105,7 +105,7 @@ QCoro::Task<std::expected<CalendarAccount, AuthError>> GoogleProvider::signIn()
         co_return std::unexpected(signedIn.error());
     if (!pending)
         co_return std::unexpected(OAuthError { OAuthError::Kind::NotSignedIn, 0, {} });
-    const auto session = pending.mapped();
+    const auto &session = pending.mapped();
 
     CalendarAccount account;
     account.id = accountID;

@@ -336,7 +336,7 @@ void TestGoogleProvider::tasksOutliveTheProvider()
     const auto meetings = QCoro::waitFor(fetch);
     QVERIFY(!meetings);
     QCOMPARE(meetings.error().kind, FetchError::Kind::AccountGone);
-    (void)QCoro::waitFor(load);
+    QVERIFY(QCoro::waitFor(load));
     QVERIFY(QCoro::waitFor(signOut));
     QVERIFY(account.registry.account(u"A"_s)); // nobody was left to take it out
 }
