@@ -125,7 +125,10 @@ QList<Meeting> EventStore::today(std::optional<Instant> now) const
     const Instant instant = now ? *now : m_clock.now();
     const QDate day = QDateTime::fromMSecsSinceEpoch(instant.time_since_epoch().count()).date();
     const QDateTime dayStart = day.startOfDay();
-    const QDateTime dayEnd = day.addDays(1).startOfDay();
+    QDateTime dayEnd = day.addDays(1).startOfDay();
+    // a zone that crosses the date line leaves out a whole day
+    if (!dayEnd.isValid())
+        dayEnd = day.addDays(2).startOfDay();
     if (!dayStart.isValid() || !dayEnd.isValid())
         return {};
 
