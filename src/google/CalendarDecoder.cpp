@@ -267,7 +267,9 @@ std::expected<Answer, DecodingError> decode(QByteArrayView json)
 
     std::expected<Answer, DecodingError> answer;
     element root;
-    if (const auto error = parser.parse(json.data(), static_cast<size_t>(json.size())).get(root)) {
+    // an empty view has no address, and the parser copies from one in any case
+    const char *const bytes = json.isEmpty() ? "" : json.data();
+    if (const auto error = parser.parse(bytes, static_cast<size_t>(json.size())).get(root)) {
         answer = std::unexpected(
             DecodingError { u"not JSON: "_s + QLatin1StringView(simdjson::error_message(error)) });
     } else if (Context context; !read(root, *answer, context)) {

@@ -1,0 +1,304 @@
+#include "google/CalendarDecoder.h"
+#include <QTest>
+
+using namespace Qt::StringLiterals;
+
+namespace kestrel {
+
+namespace {
+
+QByteArray eventsList(const QByteArray &event)
+{
+    return R"({"items": [{"id": "0"}, )" + event + "]}";
+}
+
+Instant at(QStringView text)
+{
+    return parseInternetDateTime(text).value();
+}
+
+} // namespace
+
+class TestCalendarDecoder final : public QObject
+{
+    Q_OBJECT
+private Q_SLOTS:
+    void readsAllOfAnEvent();
+    void takesNullAndAbsenceForTheSame();
+    void keepsTextsApart();
+    void readsTheCalendarList();
+    void readsDateTimes_data();
+    void readsDateTimes();
+    void namesThePlaceOfAFault_data();
+    void namesThePlaceOfAFault();
+    void refusesWhatIsNoJson_data();
+    void refusesWhatIsNoJson();
+    void worksOnAfterAHugeAnswer();
+};
+
+void TestCalendarDecoder::readsAllOfAnEvent()
+{
+    const auto answer = decodeEventsList(R"({
+        "kind": "calendar#events", "nextPageToken": "p2", "nextSyncToken": "s1", "defaultReminders": [{"minutes": 10}],
+        "items": [{
+            "kind": "calendar#event", "sequence": 3, "extendedProperties": {"private": {"id": 1}},
+            "id": "e1", "status": "confirmed", "summary": "Año nuevo \ud83c\udf89\n", "description": "<p>\u0026amp;</p>",
+            "location": "Room 5", "htmlLink": "https://calendar.example.org/e1",
+            "start": {"dateTime": "2025-03-01T09:30:00Z", "timeZone": "Europe/Madrid"},
+            "end": {"date": "2025-03-02"},
+            "attendees": [
+                {"email": "ana@example.com", "displayName": "Ana", "responseStatus": "accepted", "organizer": true, "self": false},
+                {"resource": true}
+            ],
+            "organizer": {"email": "ana@example.com", "displayName": "Ana", "self": true},
+            "hangoutLink": "https://meet.google.com/abc-defg-hij",
+            "conferenceData": {
+                "entryPoints": [{"entryPointType": "video", "uri": "https://meet.google.com/abc-defg-hij", "label": "meet"}],
+                "conferenceSolution": {"name": "Google Meet", "iconUri": "https://icons.example.org/m.png"}
+            }
+        }]
+    })"_ba);
+    QVERIFY2(answer, qPrintable(answer.error().description));
+    QCOMPARE(answer->nextPageToken, u"p2"_s);
+    QCOMPARE(answer->nextSyncToken, u"s1"_s);
+    QCOMPARE(answer->items.size(), 1);
+
+    const Google::Event &event = answer->items.first();
+    QCOMPARE(event.id, u"e1"_s);
+    QCOMPARE(event.status, u"confirmed"_s);
+    QCOMPARE(event.summary, u"Año nuevo 🎉\n"_s);
+    QCOMPARE(event.description, u"<p>&amp;</p>"_s);
+    QCOMPARE(event.location, u"Room 5"_s);
+    QCOMPARE(event.htmlLink, u"https://calendar.example.org/e1"_s);
+    QCOMPARE(event.start.value().dateTime, at(u"2025-03-01T09:30:00Z"));
+    QCOMPARE(event.start->timeZone, u"Europe/Madrid"_s);
+    QVERIFY(!event.start->date);
+    QCOMPARE(event.end.value().date, u"2025-03-02"_s);
+    QVERIFY(!event.end->dateTime);
+    QCOMPARE(event.attendees.value().size(), 2);
+    const Google::Attendee &ana = event.attendees->first();
+    QCOMPARE(ana.email, u"ana@example.com"_s);
+    QCOMPARE(ana.displayName, u"Ana"_s);
+    QCOMPARE(ana.responseStatus, u"accepted"_s);
+    QCOMPARE(ana.organizer, true);
+    QCOMPARE(ana.self, false);
+    const Google::Attendee &room = event.attendees->last();
+    QVERIFY(!room.email && !room.displayName && !room.responseStatus && !room.organizer && !room.self);
+    QCOMPARE(event.organizer.value().email, u"ana@example.com"_s);
+    QCOMPARE(event.hangoutLink, u"https://meet.google.com/abc-defg-hij"_s);
+    const Google::ConferenceData &conference = event.conferenceData.value();
+    QCOMPARE(conference.entryPoints.value().size(), 1);
+    QCOMPARE(conference.entryPoints->first().entryPointType, u"video"_s);
+    QCOMPARE(conference.entryPoints->first().uri, u"https://meet.google.com/abc-defg-hij"_s);
+    QCOMPARE(conference.conferenceSolution.value().name, u"Google Meet"_s);
+}
+
+void TestCalendarDecoder::takesNullAndAbsenceForTheSame()
+{
+    for (const char *event :
+         { R"({"id": "1"})",
+           R"({"id": "1", "status": null, "summary": null, "description": null, "location": null,
+                                   "htmlLink": null, "start": null, "end": null, "attendees": null, "organizer": null,
+                                   "hangoutLink": null, "conferenceData": null})" }) {
+        const auto answer = decodeEventsList(eventsList(event));
+        QVERIFY2(answer, qPrintable(answer.error().description));
+        const Google::Event &read = answer->items.last();
+        QVERIFY(!read.status && !read.summary && !read.description && !read.location && !read.htmlLink
+                && !read.start && !read.end && !read.attendees && !read.organizer && !read.hangoutLink
+                && !read.conferenceData);
+    }
+    const auto empty =
+        decodeEventsList(eventsList(R"({"id": "", "summary": "", "attendees": [], "start": {}})"));
+    QVERIFY(empty);
+    QCOMPARE(empty->items.last().summary, u""_s);
+    QVERIFY(empty->items.last().attendees && empty->items.last().start);
+}
+
+// Texts that come again are shared: none may ever turn up in another's place.
+void TestCalendarDecoder::keepsTextsApart()
+{
+    QByteArrayList attendees;
+    QStringList emails;
+    for (int i = 0; i < 20'000; ++i) {
+        emails << u"%1%2@example.com"_s.arg(u"x"_s.repeated(i % 70)).arg(i % 5000);
+        attendees << R"({"email": ")" + emails.last().toUtf8() + R"(", "displayName": ")"
+                + QByteArray::number(i) + R"("})";
+    }
+    const auto answer =
+        decodeEventsList(eventsList(R"({"id": "1", "attendees": [)" + attendees.join(',') + "]}"));
+    QVERIFY(answer);
+    const auto &read = answer->items.last().attendees.value();
+    QCOMPARE(read.size(), emails.size());
+    for (int i = 0; i < read.size(); ++i) {
+        QCOMPARE(read[i].email, emails[i]);
+        QCOMPARE(read[i].displayName, QString::number(i));
+    }
+}
+
+void TestCalendarDecoder::readsTheCalendarList()
+{
+    const auto answer = decodeCalendarList(R"({"items": [
+        {"id": "ana@example.com", "summary": "Ana", "primary": true, "backgroundColor": "#4986e7", "selected": true},
+        {"id": "team", "summary": "", "primary": null}
+    ]})"_ba);
+    QVERIFY2(answer, qPrintable(answer.error().description));
+    QCOMPARE(answer->items.size(), 2);
+    QCOMPARE(answer->items[0].id, u"ana@example.com"_s);
+    QCOMPARE(answer->items[0].summary, u"Ana"_s);
+    QCOMPARE(answer->items[0].primary, true);
+    QCOMPARE(answer->items[0].backgroundColor, u"#4986e7"_s);
+    QVERIFY(!answer->items[1].primary && !answer->items[1].backgroundColor);
+
+    const auto faulty = decodeCalendarList(R"({"items": [{"id": "1", "summary": "x"}, {"id": "2"}]})"_ba);
+    QCOMPARE(faulty.error().description, u"items[1].summary: is missing"_s);
+}
+
+void TestCalendarDecoder::readsDateTimes_data()
+{
+    QTest::addColumn<QByteArray>("text");
+    QTest::addColumn<QString>("utc"); // empty: not a date-time
+    QTest::newRow("UTC") << "2025-03-01T09:30:00Z"_ba << u"2025-03-01T09:30:00.000Z"_s;
+    QTest::newRow("fraction and offset")
+        << "2025-03-01T09:30:00.250+01:00"_ba << u"2025-03-01T08:30:00.250Z"_s;
+    QTest::newRow("offset") << "2025-03-01T09:30:00-03:30"_ba << u"2025-03-01T13:00:00.000Z"_s;
+    QTest::newRow("a long fraction") << "2025-03-01T09:30:00." + QByteArray(200, '9') + "Z"
+                                     << u"2025-03-01T09:30:00.999Z"_s;
+    QTest::newRow("bare date") << "2025-03-01"_ba << QString();
+    QTest::newRow("no zone") << "2025-03-01T09:30:00"_ba << QString();
+    QTest::newRow("no such day") << "2025-02-30T09:30:00Z"_ba << QString();
+    QTest::newRow("empty") << ""_ba << QString();
+    QTest::newRow("digits of another script") << "２025-03-01T09:30:00Z"_ba << QString();
+    QTest::newRow("long") << QByteArray(100'000, '1') << QString();
+}
+
+void TestCalendarDecoder::readsDateTimes()
+{
+    QFETCH(const QByteArray, text);
+    QFETCH(const QString, utc);
+    const auto answer =
+        decodeEventsList(eventsList(R"({"id": "1", "start": {"dateTime": ")" + text + R"("}})"));
+    if (utc.isEmpty()) {
+        QVERIFY(!answer);
+        QCOMPARE(answer.error().description,
+                 u"items[1].start.dateTime: Unparseable date: "_s + QString::fromUtf8(text));
+    } else {
+        QVERIFY(answer);
+        QCOMPARE(toInternetDateTimeWithMilliseconds(answer->items.last().start->dateTime.value()), utc);
+    }
+}
+
+void TestCalendarDecoder::namesThePlaceOfAFault_data()
+{
+    QTest::addColumn<QByteArray>("json");
+    QTest::addColumn<QString>("fault");
+    const auto whole = [](const char *json, const QString &fault) {
+        QTest::newRow(json) << QByteArray(json) << fault;
+    };
+    whole("[]", u"the answer: expected an object"_s);
+    whole("null", u"the answer: expected an object"_s);
+    whole("{}", u"items: is missing"_s);
+    whole(R"({"Items": []})", u"items: is missing"_s);
+    whole(R"({"items": null})", u"items: expected a list"_s);
+    whole(R"({"items": {}})", u"items: expected a list"_s);
+    whole(R"({"items": [null]})", u"items[0]: expected an object"_s);
+    whole(R"({"items": [], "nextPageToken": 7})", u"nextPageToken: expected a text"_s);
+    whole(R"({"nextSyncToken": [], "items": []})", u"nextSyncToken: expected a text"_s);
+
+    const auto event = [](const char *json, const QString &fault) {
+        QTest::newRow(json) << eventsList(json) << u"items[1]"_s + fault;
+    };
+    event("{}", u".id: is missing"_s);
+    event(R"({"id": null})", u".id: expected a text"_s);
+    event(R"({"id": 1})", u".id: expected a text"_s);
+    event(R"({"id": "1", "status": true})", u".status: expected a text"_s);
+    event(R"({"id": "1", "summary": 1.5})", u".summary: expected a text"_s);
+    event(R"({"id": "1", "description": {}})", u".description: expected a text"_s);
+    event(R"({"id": "1", "location": []})", u".location: expected a text"_s);
+    event(R"({"id": "1", "htmlLink": 0})", u".htmlLink: expected a text"_s);
+    event(R"({"id": "1", "hangoutLink": false})", u".hangoutLink: expected a text"_s);
+    event(R"({"id": "1", "start": "2025-03-01T09:30:00Z"})", u".start: expected an object"_s);
+    event(R"({"id": "1", "start": {"dateTime": 1740821400}})", u".start.dateTime: expected a text"_s);
+    event(R"({"id": "1", "end": {"date": 20250301}})", u".end.date: expected a text"_s);
+    event(R"({"id": "1", "end": {"timeZone": {}}})", u".end.timeZone: expected a text"_s);
+    event(R"({"id": "1", "attendees": {}})", u".attendees: expected a list"_s);
+    event(R"({"id": "1", "attendees": [{}, "ana"]})", u".attendees[1]: expected an object"_s);
+    event(R"({"id": "1", "attendees": [{"email": 1}]})", u".attendees[0].email: expected a text"_s);
+    event(R"({"id": "1", "attendees": [{"self": 1}]})", u".attendees[0].self: expected true or false"_s);
+    event(R"({"id": "1", "attendees": [{"organizer": "true"}]})",
+          u".attendees[0].organizer: expected true or false"_s);
+    event(R"({"id": "1", "organizer": []})", u".organizer: expected an object"_s);
+    event(R"({"id": "1", "organizer": {"displayName": 1}})", u".organizer.displayName: expected a text"_s);
+    event(R"({"id": "1", "conferenceData": []})", u".conferenceData: expected an object"_s);
+    event(R"({"id": "1", "conferenceData": {"entryPoints": [{"uri": 1}]}})",
+          u".conferenceData.entryPoints[0].uri: expected a text"_s);
+    event(R"({"id": "1", "conferenceData": {"entryPoints": [{"label": 1}]}})",
+          u".conferenceData.entryPoints[0].label: expected a text"_s);
+    event(R"({"id": "1", "conferenceData": {"conferenceSolution": {"iconUri": 1}}})",
+          u".conferenceData.conferenceSolution.iconUri: expected a text"_s);
+    event(R"({"id": "1", "conferenceData": {"conferenceSolution": "Meet"}})",
+          u".conferenceData.conferenceSolution: expected an object"_s);
+    // a key that is there twice counts twice
+    event(R"({"id": "1", "summary": 1, "summary": "x"})", u".summary: expected a text"_s);
+}
+
+void TestCalendarDecoder::namesThePlaceOfAFault()
+{
+    QFETCH(const QByteArray, json);
+    const auto answer = decodeEventsList(json);
+    QVERIFY(!answer);
+    QTEST(answer.error().description, "fault");
+}
+
+void TestCalendarDecoder::refusesWhatIsNoJson_data()
+{
+    QTest::addColumn<QByteArray>("json");
+    const QByteArray good = eventsList(R"({"id": "1", "unknown": {"a": [1, 2.5, "x"]}, "summary": "Año"})");
+    QVERIFY(decodeEventsList(good));
+    QTest::newRow("empty") << ""_ba;
+    QTest::newRow("white space") << " \n"_ba;
+    QTest::newRow("a web page") << "<!DOCTYPE html><html></html>"_ba;
+    for (qsizetype size = 1; size < good.size(); ++size)
+        QTest::addRow("cut off after %lld bytes", static_cast<long long>(size)) << good.first(size);
+    QTest::newRow("more behind it") << good + "{}";
+    QTest::newRow("NUL behind it") << good + '\0';
+    QTest::newRow("a comma too many") << R"({"items": [],})"_ba;
+    QTest::newRow("broken in an unknown key") << R"({"items": [], "unknown": [1, 2, tru]})"_ba;
+    QTest::newRow("a number that is none in an unknown key") << R"({"items": [], "unknown": 01})"_ba;
+    QTest::newRow("invalid UTF-8") << eventsList("{\"id\": \"\xc3\"}");
+    QTest::newRow("invalid UTF-8 in an unknown key") << eventsList("{\"id\": \"1\", \"x\": \"\xff\"}");
+    QTest::newRow("an encoded surrogate") << eventsList("{\"id\": \"\xed\xa0\x80\"}");
+    QTest::newRow("escaped high surrogate alone") << eventsList(R"({"id": "\ud800"})");
+    QTest::newRow("escaped low surrogate alone") << eventsList(R"({"id": "\udc00x"})");
+    QTest::newRow("swapped surrogates") << eventsList(R"({"id": "\udc00\ud800"})");
+    QTest::newRow("line break in a text") << eventsList("{\"id\": \"a\nb\"}");
+    QTest::newRow("open brackets") << QByteArray(1'000'000, '[');
+    QTest::newRow("deep in an unknown key")
+        << R"({"items": [], "x": )" + QByteArray(100'000, '[') + QByteArray(100'000, ']') + "}";
+}
+
+void TestCalendarDecoder::refusesWhatIsNoJson()
+{
+    QFETCH(const QByteArray, json);
+    // a buffer of its own without a byte behind it, so that the address sanitizer sees a step too far
+    const std::vector<char> exact(json.begin(), json.end());
+    const auto answer = decodeEventsList(QByteArrayView(exact.data(), static_cast<qsizetype>(exact.size())));
+    QVERIFY(!answer);
+    QVERIFY2(answer.error().description.startsWith(u"not JSON: "), qPrintable(answer.error().description));
+}
+
+void TestCalendarDecoder::worksOnAfterAHugeAnswer()
+{
+    const QByteArray small = eventsList(R"({"id": "1", "summary": "small"})");
+    const QByteArray huge = eventsList(R"({"id": "1", "summary": ")" + QByteArray(20'000'000, 'x') + R"("})");
+    for (const QByteArray &json : { small, huge, small, "["_ba, small }) {
+        const auto answer = decodeEventsList(json);
+        QCOMPARE(answer.has_value(), json.size() > 1);
+        if (answer)
+            QCOMPARE(answer->items.last().summary->size(), json == small ? 5 : 20'000'000);
+    }
+}
+
+} // namespace kestrel
+
+QTEST_GUILESS_MAIN(kestrel::TestCalendarDecoder)
+#include "TestCalendarDecoder.moc"
