@@ -170,7 +170,7 @@ int main(int argc, char **argv)
     kestrel::registerDecoding(budgets);
     kestrel::registerLinkDetection(budgets);
     kestrel::registerStore(budgets);
-    kestrel::BudgetTable table(budgets);
+    kestrel::BudgetTable table("processor time in milliseconds", budgets);
     benchmark::RunSpecifiedBenchmarks(&table);
     benchmark::Shutdown();
     return 0;

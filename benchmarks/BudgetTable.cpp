@@ -29,8 +29,9 @@ double medianOf(std::vector<double> values)
 
 } // namespace
 
-BudgetTable::BudgetTable(std::vector<Budget> budgets)
-    : m_budgets(std::move(budgets))
+BudgetTable::BudgetTable(std::string heading, std::vector<Budget> budgets)
+    : m_heading(std::move(heading))
+    , m_budgets(std::move(budgets))
 {
 }
 
@@ -60,8 +61,7 @@ void BudgetTable::ReportRuns(const std::vector<Run> &runs)
 
 void BudgetTable::Finalize()
 {
-    std::printf("%-44s %9s %9s %9s %9s %6s\n", "processor time in milliseconds", "min", "median", "p99",
-                "budget", "ratio");
+    std::printf("%-44s %9s %9s %9s %9s %6s\n", m_heading.c_str(), "min", "median", "p99", "budget", "ratio");
     for (const Budget &budget : m_budgets) {
         const auto measured = m_measured.find(budget.benchmark);
         if (measured == m_measured.end())
@@ -82,6 +82,14 @@ void BudgetTable::Finalize()
     }
 }
 
+void report(benchmark::State &state, std::vector<double> milliseconds)
+{
+    std::sort(milliseconds.begin(), milliseconds.end());
+    state.counters["min"] = milliseconds.front();
+    state.counters["median"] = percentile(milliseconds, 0.5);
+    state.counters["p99"] = percentile(milliseconds, 0.99);
+}
+
 void measure(benchmark::State &state, const std::function<void()> &work)
 {
     std::vector<double> times;
@@ -90,10 +98,7 @@ void measure(benchmark::State &state, const std::function<void()> &work)
         work();
         times.push_back(threadMilliseconds() - begin);
     }
-    std::sort(times.begin(), times.end());
-    state.counters["min"] = times.front();
-    state.counters["median"] = percentile(times, 0.5);
-    state.counters["p99"] = percentile(times, 0.99);
+    report(state, std::move(times));
 }
 
 } // namespace kestrel

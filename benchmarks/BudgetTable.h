@@ -23,7 +23,8 @@ struct Budget
 class BudgetTable final : public benchmark::BenchmarkReporter
 {
 public:
-    explicit BudgetTable(std::vector<Budget> budgets);
+    /// `heading` says what the milliseconds are of.
+    BudgetTable(std::string heading, std::vector<Budget> budgets);
 
     bool ReportContext(const Context &context) override;
     void ReportRuns(const std::vector<Run> &runs) override;
@@ -37,12 +38,15 @@ private:
         double p99 = 0;
     };
 
+    std::string m_heading;
     std::vector<Budget> m_budgets;
     std::map<std::string, Times> m_measured;
 };
 
-/// Runs `work` once an iteration, times each run and leaves min, median and p99 (in milliseconds) in the
-/// counters that the table reads.
+/// Leaves min, median and p99 of `milliseconds` (not empty) in the counters that the table reads.
+void report(benchmark::State &state, std::vector<double> milliseconds);
+
+/// Runs `work` once an iteration and reports the processor time of each run.
 void measure(benchmark::State &state, const std::function<void()> &work);
 
 } // namespace kestrel
