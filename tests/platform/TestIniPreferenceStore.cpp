@@ -230,6 +230,21 @@ private Q_SLOTS:
         QCOMPARE(store.integer(u"k"_s), 1);
     }
 
+    void aLockWithoutAnOwnerIsNoObstacle()
+    {
+        put(path(u"kestrel.ini.lock"_s), ""); // its process was killed before it wrote its name
+        QFile lock(path(u"kestrel.ini.lock"_s));
+        QVERIFY(lock.open(QIODevice::ReadWrite));
+        QVERIFY(
+            lock.setFileTime(QDateTime::currentDateTime().addSecs(-1), QFileDevice::FileModificationTime));
+        lock.close();
+        IniPreferenceStore store(path(), 1ms);
+        const QSignalSpy failed(&store, &PreferenceStore::writeFailed);
+        store.setInteger(u"k"_s, 1);
+        QCOMPARE(failed.size(), 0);
+        QCOMPARE(get(path()), "[General]\nk=1\n");
+    }
+
     void changesOfOthersAreAnnouncedOnce_data()
     {
         QTest::addColumn<QString>("how");

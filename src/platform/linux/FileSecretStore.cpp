@@ -5,7 +5,6 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QLockFile>
 #include <algorithm>
 #include <chrono>
 
@@ -74,9 +73,9 @@ SecretStatus FileSecretStore::change(Change change, const SecretItem &item, cons
         return SecretStatus::NotFound;
     if (const auto made = makePrivateFolder(QFileInfo(m_path).path()); !made)
         return cannotWrite(made.error());
-    QLockFile lock(m_path + ".lock"_L1);
-    if (!lock.tryLock(5s))
-        return cannotWrite(u"it cannot be locked"_s);
+    const auto lock = lockFile(m_path, 5s);
+    if (!lock)
+        return cannotWrite(lock.error());
     auto content = load();
     if (!content)
         return cannotWrite(content.error());

@@ -3,7 +3,6 @@
 #include "platform/linux/PrivateFile.h"
 #include <QDir>
 #include <QFileInfo>
-#include <QLockFile>
 #include <chrono>
 
 using namespace Qt::StringLiterals;
@@ -113,17 +112,9 @@ std::expected<bool, QString> IniPreferenceStore::writeLocked(const Edit &edit)
 {
     if (const auto made = makePrivateFolder(QFileInfo(m_path).path()); !made)
         return std::unexpected(made.error());
-    QLockFile lock(m_path + ".lock"_L1);
-    if (!lock.tryLock(m_lockPatience)) {
-        switch (lock.error()) {
-        case QLockFile::PermissionError:
-            return std::unexpected(u"its folder cannot be written to"_s);
-        case QLockFile::LockFailedError:
-            return std::unexpected(u"another program has held %1.lock for too long"_s.arg(m_path));
-        default:
-            return std::unexpected(u"its folder takes no new file, perhaps because the disk is full"_s);
-        }
-    }
+    const auto lock = lockFile(m_path, m_lockPatience);
+    if (!lock)
+        return std::unexpected(lock.error());
     const auto current = readFile(m_path);
     if (!current)
         return std::unexpected(current.error());

@@ -1,13 +1,16 @@
 #include "platform/linux/PrivateFile.h"
+#include <QDateTime>
 #include <QFile>
 #include <QFileInfo>
 #include <QSaveFile>
 #include <QScopeGuard>
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <sys/stat.h>
 
 using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
 
 namespace kestrel {
 
@@ -62,6 +65,30 @@ std::expected<QByteArray, QString> readFile(const QString &path)
     if (content.size() > largest)
         return std::unexpected(u"it is larger than 16 MiB"_s);
     return content;
+}
+
+std::expected<std::unique_ptr<QLockFile>, QString> lockFile(const QString &path,
+                                                            std::chrono::milliseconds patience)
+{
+    auto lock = std::make_unique<QLockFile>(path + ".lock"_L1);
+    if (lock->tryLock(std::min(patience, 300ms)))
+        return lock;
+    // A process that is killed before it has written its name into its lock leaves one that QLockFile
+    // respects for half a minute.
+    const QFileInfo entry(lock->fileName());
+    if (entry.exists() && entry.size() == 0
+        && entry.lastModified().msecsTo(QDateTime::currentDateTime()) > 200)
+        QFile::remove(lock->fileName());
+    if (lock->tryLock(patience))
+        return lock;
+    switch (lock->error()) {
+    case QLockFile::PermissionError:
+        return std::unexpected(u"its folder cannot be written to"_s);
+    case QLockFile::LockFailedError:
+        return std::unexpected(u"another program has held %1 for too long"_s.arg(lock->fileName()));
+    default:
+        return std::unexpected(u"its folder takes no new file, perhaps because the disk is full"_s);
+    }
 }
 
 std::expected<void, QString> keepBroken(const QString &path, const QByteArray &content)

@@ -1,7 +1,10 @@
 #pragma once
 #include <QByteArray>
+#include <QLockFile>
 #include <QString>
+#include <chrono>
 #include <expected>
+#include <memory>
 
 namespace kestrel {
 
@@ -16,6 +19,10 @@ namespace kestrel {
 
 /// What the file holds, nothing when there is none. Only regular files of at most 16 MiB are read.
 [[nodiscard]] std::expected<QByteArray, QString> readFile(const QString &path);
+
+/// Takes `<path>.lock`, the lock that QSettings takes too, and waits for it if another process has it.
+[[nodiscard]] std::expected<std::unique_ptr<QLockFile>, QString> lockFile(const QString &path,
+                                                                          std::chrono::milliseconds patience);
 
 /// Keeps `content` as `<path>.broken`, or under the first such name with a number that is free. Nothing is
 /// written when it is kept already.

@@ -1,0 +1,324 @@
+#include "platform/linux/SecretServiceStore.h"
+#include <QCoro/QCoroTask>
+#include <QDBusConnection>
+#include <QDBusConnectionInterface>
+#include <QDBusMetaType>
+#include <QDBusObjectPath>
+#include <QDBusReply>
+#include <QProcess>
+#include <QSignalSpy>
+#include <QTest>
+#include <csignal>
+
+// Runs under tests/support/with-keyring: what is locked and killed here is the test's own keyring.
+
+using namespace Qt::StringLiterals;
+
+namespace kestrel {
+
+namespace {
+
+const SecretItem first { u"app.example"_s, u"google.1.refresh_token"_s };
+const SecretItem second { u"app.example"_s, u"google.2.refresh_token"_s };
+
+const QString serviceName = u"org.freedesktop.secrets"_s;
+const QString servicePath = u"/org/freedesktop/secrets"_s;
+const QString loginCollection = u"/org/freedesktop/secrets/collection/login"_s;
+
+QCoro::Task<QByteArray> read(SecretStore &store, SecretItem item)
+{
+    const auto found = co_await store.copyMatching(std::move(item));
+    co_return found ? *found : '[' + QByteArray::number(qToUnderlying(found.error())) + ']';
+}
+
+/// The secret, or the number of the status in brackets.
+QByteArray secret(SecretStore &store, const SecretItem &item)
+{
+    return QCoro::waitFor(read(store, item));
+}
+
+/// A Secret Service "secret" in a plain session.
+struct PlainSecret
+{
+    QDBusObjectPath session;
+    QByteArray parameters;
+    QByteArray value;
+    QString contentType;
+};
+
+QDBusArgument &operator<<(QDBusArgument &argument, const PlainSecret &secret)
+{
+    argument.beginStructure();
+    argument << secret.session << secret.parameters << secret.value << secret.contentType;
+    argument.endStructure();
+    return argument;
+}
+
+const QDBusArgument &operator>>(const QDBusArgument &argument, PlainSecret &secret)
+{
+    argument.beginStructure();
+    argument >> secret.session >> secret.parameters >> secret.value >> secret.contentType;
+    argument.endStructure();
+    return argument;
+}
+
+QDBusMessage call(const QString &interface, const QString &method, const QVariantList &arguments)
+{
+    QDBusMessage message = QDBusMessage::createMethodCall(serviceName, servicePath, interface, method);
+    message.setArguments(arguments);
+    return QDBusConnection::sessionBus().call(message);
+}
+
+bool lockKeyring()
+{
+    return call(u"org.freedesktop.Secret.Service"_s, u"Lock"_s,
+                { QVariant::fromValue(QList { QDBusObjectPath(loginCollection) }) })
+               .type()
+        == QDBusMessage::ReplyMessage;
+}
+
+/// As another program does it that knows the password.
+bool unlockKeyring()
+{
+    const QDBusMessage session = call(u"org.freedesktop.Secret.Service"_s, u"OpenSession"_s,
+                                      { u"plain"_s, QVariant::fromValue(QDBusVariant(QString())) });
+    if (session.type() != QDBusMessage::ReplyMessage)
+        return false;
+    const PlainSecret password {
+        session.arguments().at(1).value<QDBusObjectPath>(), {}, "pw", u"text/plain"_s
+    };
+    return call(u"org.gnome.keyring.InternalUnsupportedGuiltRiddenInterface"_s, u"UnlockWithMasterPassword"_s,
+                { QVariant::fromValue(QDBusObjectPath(loginCollection)), QVariant::fromValue(password) })
+               .type()
+        == QDBusMessage::ReplyMessage;
+}
+
+bool isKeyringThere()
+{
+    return QDBusConnection::sessionBus().interface()->isServiceRegistered(serviceName);
+}
+
+} // namespace
+
+class TestSecretServiceStore final : public QObject
+{
+    Q_OBJECT
+
+private:
+    QProcess m_keyring; ///< in the place of the wrapper's, once that was killed
+
+    void killKeyring()
+    {
+        const uint process = QDBusConnection::sessionBus().interface()->servicePid(serviceName);
+        QVERIFY(process > 0);
+        QCOMPARE(::kill(static_cast<pid_t>(process), SIGKILL), 0);
+        QTRY_VERIFY(!isKeyringThere());
+        if (m_keyring.state() != QProcess::NotRunning)
+            QVERIFY(m_keyring.waitForFinished());
+    }
+
+    void startKeyring()
+    {
+        m_keyring.start(u"gnome-keyring-daemon"_s,
+                        { u"--foreground"_s, u"--unlock"_s, u"--components=secrets"_s });
+        QVERIFY(m_keyring.waitForStarted());
+        m_keyring.write("pw");
+        m_keyring.closeWriteChannel();
+        QTRY_VERIFY(isKeyringThere());
+    }
+
+private Q_SLOTS:
+    void initTestCase()
+    {
+        qDBusRegisterMetaType<PlainSecret>();
+        qDBusRegisterMetaType<QMap<QString, QString>>();
+        QVERIFY2(qEnvironmentVariable("HOME").contains(u"kestrel-keyring-"), "only under with-keyring");
+        QVERIFY(isKeyringThere());
+    }
+
+    void cleanupTestCase()
+    {
+        m_keyring.terminate();
+        m_keyring.waitForFinished();
+    }
+
+    void withoutABusThereIsNoStore_data()
+    {
+        QTest::addColumn<QByteArray>("address");
+        QTest::newRow("dead address") << QByteArray("unix:path=/nonexistent");
+        QTest::newRow("no address") << QByteArray("nonsense");
+    }
+
+    void withoutABusThereIsNoStore()
+    {
+        QFETCH(QByteArray, address);
+        const QByteArray before = qgetenv("DBUS_SESSION_BUS_ADDRESS");
+        qputenv("DBUS_SESSION_BUS_ADDRESS", address);
+        SecretServiceStore store;
+        const QSignalSpy trouble(&store, &SecretStore::trouble);
+        QCOMPARE(secret(store, first), "[-25291]");
+        QCOMPARE(QCoro::waitFor(store.add(first, "1")), SecretStatus::Unavailable);
+        qputenv("DBUS_SESSION_BUS_ADDRESS", before);
+        QTRY_COMPARE(trouble.size(), 1);
+        QVERIFY(trouble[0][0].toString().contains(u"gnome-keyring"_s));
+        QVERIFY(trouble[0][0].toString().contains(u"--secret-store file"_s));
+    }
+
+    void secretsOfTwoAccountsComeAndGo()
+    {
+        const QByteArray binary("\x00\xff\n\"{}", 6);
+        {
+            SecretServiceStore store;
+            QCOMPARE(secret(store, first), "[-25300]");
+            QCOMPARE(QCoro::waitFor(store.update(first, "1")), SecretStatus::NotFound);
+            QCOMPARE(QCoro::waitFor(store.remove(first)), SecretStatus::NotFound);
+            QCOMPARE(QCoro::waitFor(store.add(first, "1")), SecretStatus::Success);
+            QCOMPARE(QCoro::waitFor(store.add(second, binary)), SecretStatus::Success);
+            QCOMPARE(QCoro::waitFor(store.update(first, "11")), SecretStatus::Success);
+        }
+        SecretServiceStore store;
+        QCOMPARE(secret(store, first), "11");
+        QCOMPARE(secret(store, second), binary);
+        QCOMPARE(secret(store, { u"app.other"_s, first.account }), "[-25300]");
+        QCOMPARE(QCoro::waitFor(store.remove(first)), SecretStatus::Success);
+        QCOMPARE(secret(store, first), "[-25300]");
+        QCOMPARE(secret(store, second), binary);
+        QCOMPARE(QCoro::waitFor(store.update(second, "")), SecretStatus::Success);
+        QCOMPARE(secret(store, second), "");
+    }
+
+    void anItemHasExactlyTheTwoAttributesAndIsThereOnce()
+    {
+        SecretServiceStore store;
+        QCOMPARE(QCoro::waitFor(store.add(second, "2")), SecretStatus::Success);
+        QCOMPARE(QCoro::waitFor(store.add(second, "22")), SecretStatus::Success);
+        QCOMPARE(secret(store, second), "22");
+
+        const QMap<QString, QString> attributes { { u"service"_s, second.service },
+                                                  { u"account"_s, second.account } };
+        const QDBusMessage found =
+            call(u"org.freedesktop.Secret.Service"_s, u"SearchItems"_s, { QVariant::fromValue(attributes) });
+        const auto items = qdbus_cast<QList<QDBusObjectPath>>(found.arguments().at(0));
+        QCOMPARE(items.size(), 1);
+        QDBusMessage get = QDBusMessage::createMethodCall(serviceName, items[0].path(),
+                                                          u"org.freedesktop.DBus.Properties"_s, u"Get"_s);
+        get.setArguments({ u"org.freedesktop.Secret.Item"_s, u"Attributes"_s });
+        const QDBusReply<QVariant> present = QDBusConnection::sessionBus().call(get);
+        auto said = qdbus_cast<QMap<QString, QString>>(present.value());
+        // gnome-keyring gives every item without a schema this one when it writes its file
+        if (said.value(u"xdg:schema"_s) == "org.freedesktop.Secret.Generic"_L1)
+            said.remove(u"xdg:schema"_s);
+        QCOMPARE(said, attributes);
+    }
+
+    void aLockedKeyringIsToldApartFromAnAbsentItem()
+    {
+        SecretServiceStore store;
+        const QSignalSpy opened(&store, &SecretStore::opened);
+        QCOMPARE(QCoro::waitFor(store.add(first, "1")), SecretStatus::Success);
+        const SecretItem absent { u"app.example"_s, u"nobody"_s };
+
+        QVERIFY(lockKeyring());
+        QCOMPARE(secret(store, first), "[-25308]");
+        QCOMPARE(secret(store, absent), "[-25308]");
+        QCOMPARE(QCoro::waitFor(store.update(first, "2")), SecretStatus::Locked);
+        QCOMPARE(QCoro::waitFor(store.add(absent, "2")), SecretStatus::Locked);
+        QCOMPARE(QCoro::waitFor(store.remove(first)), SecretStatus::Locked);
+        QCOMPARE(opened.size(), 0);
+
+        QVERIFY(unlockKeyring());
+        QTRY_COMPARE(opened.size(), 1);
+        QCOMPARE(secret(store, first), "1");
+        QCOMPARE(secret(store, absent), "[-25300]");
+
+        QVERIFY(lockKeyring());
+        QCOMPARE(secret(store, first), "[-25308]");
+        QVERIFY(unlockKeyring());
+        QTRY_COMPARE(opened.size(), 2);
+    }
+
+    void manyAtOnceAllGetTheirOwn()
+    {
+        SecretServiceStore store;
+        constexpr int count = 10;
+        for (int i = 0; i < count; ++i)
+            QCOMPARE(
+                QCoro::waitFor(store.add({ u"app.example"_s, u"many.%1"_s.arg(i) }, QByteArray::number(i))),
+                SecretStatus::Success);
+        SecretServiceStore fresh; // so that all of them wait for the service
+        std::vector<QCoro::Task<QByteArray>> reads;
+        for (int i = 0; i < count; ++i)
+            reads.push_back(read(fresh, { u"app.example"_s, u"many.%1"_s.arg(i) }));
+        for (std::size_t i = 0; i < reads.size(); ++i)
+            QCOMPARE(QCoro::waitFor(reads[i]), QByteArray::number(i));
+    }
+
+    void callsThatTheStoreDoesNotLiveToSeeEndAsFailed()
+    {
+        auto store = std::make_unique<SecretServiceStore>();
+        QCOMPARE(QCoro::waitFor(store->add(first, "1")), SecretStatus::Success);
+        auto early = read(*store, first);
+        auto write = store->update(first, "2");
+        store.reset();
+        QCOMPARE(QCoro::waitFor(early), "[-50]");
+        QCOMPARE(QCoro::waitFor(write), SecretStatus::Failed);
+
+        store = std::make_unique<SecretServiceStore>();
+        auto unconnected = read(*store, first);
+        auto another = read(*store, first);
+        store.reset();
+        QCOMPARE(QCoro::waitFor(unconnected), "[-50]");
+        QCOMPARE(QCoro::waitFor(another), "[-50]");
+    }
+
+    void aServiceThatDiesAndComesBackIsFoundAgain()
+    {
+        SecretServiceStore store;
+        const QSignalSpy opened(&store, &SecretStore::opened);
+        const QSignalSpy trouble(&store, &SecretStore::trouble);
+        QCOMPARE(QCoro::waitFor(store.add(first, "1")), SecretStatus::Success);
+
+        killKeyring();
+        QCOMPARE(secret(store, first), "[-25291]");
+        QCOMPARE(QCoro::waitFor(store.update(first, "2")), SecretStatus::Unavailable);
+        QTRY_COMPARE(trouble.size(), 1);
+        QCOMPARE(opened.size(), 0);
+
+        startKeyring();
+        QTRY_COMPARE(opened.size(), 1);
+        QCOMPARE(secret(store, first), "1");
+
+        // nobody asked in between
+        killKeyring();
+        startKeyring();
+        QTRY_COMPARE(opened.size(), 2);
+        QCOMPARE(secret(store, first), "1");
+        QCOMPARE(trouble.size(), 1);
+    }
+
+    void theEndOfTheBusIsNotOurs()
+    {
+        QProcess bus;
+        bus.start(u"dbus-daemon"_s,
+                  { u"--config-file="_s + QFINDTESTDATA("../support/empty-bus.conf"), u"--nofork"_s,
+                    u"--print-address"_s });
+        QVERIFY(bus.waitForReadyRead());
+        const QByteArray before = qgetenv("DBUS_SESSION_BUS_ADDRESS");
+        qputenv("DBUS_SESSION_BUS_ADDRESS", bus.readLine().trimmed());
+        SecretServiceStore store;
+        const QByteArray withBus = secret(store, first);
+        bus.kill();
+        QVERIFY(bus.waitForFinished());
+        const QByteArray withoutBus = secret(store, first);
+        qputenv("DBUS_SESSION_BUS_ADDRESS", before);
+        QCOMPARE(withBus, "[-25291]");
+        QCOMPARE(withoutBus, "[-25291]");
+    }
+};
+
+} // namespace kestrel
+
+Q_DECLARE_METATYPE(kestrel::PlainSecret)
+
+QTEST_GUILESS_MAIN(kestrel::TestSecretServiceStore)
+#include "TestSecretServiceStore.moc"
