@@ -289,8 +289,7 @@ void LoopbackServer::finish(const Result &result)
 
 LoopbackServer::Answer LoopbackServer::answerTo(const std::optional<QByteArray> &chunk)
 {
-    const Answer badRequest { response(400, "Bad request"),
-                              std::unexpected(LoopbackError::MalformedRequest) };
+    Answer badRequest { response(400, "Bad request"), std::unexpected(LoopbackError::MalformedRequest) };
     const auto text = chunk ? fromStrictUtf8(*chunk) : std::nullopt;
     if (!text)
         return badRequest;
@@ -308,8 +307,8 @@ LoopbackServer::Answer LoopbackServer::answerTo(const std::optional<QByteArray> 
 
 LoopbackServer::Answer LoopbackServer::answerToTarget(const QString &target)
 {
-    const Answer incomplete { response(400, "Missing code/state"),
-                              std::unexpected(LoopbackError::MalformedRequest) };
+    Answer incomplete { response(400, "Missing code/state"),
+                        std::unexpected(LoopbackError::MalformedRequest) };
     const qsizetype mark = target.indexOf(u'?');
     const auto items = mark < 0 ? QList<QueryItem>() : parseQuery(QStringView(target).sliced(mark + 1));
     if (const auto *error = firstNamed(items, "error"_L1)) {

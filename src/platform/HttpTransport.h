@@ -70,7 +70,7 @@ class HttpTransport : public QObject
 {
     Q_OBJECT
 public:
-    static constexpr qint64 largestAnswer = 16 * 1024 * 1024; ///< in bytes, decoded
+    static constexpr qint64 largestAnswer = 16LL * 1024 * 1024; ///< in bytes, decoded
     static constexpr int mostRedirects = 10;
 
     using QObject::QObject;

@@ -4,9 +4,14 @@
 #include <QTcpSocket>
 #include <QTemporaryDir>
 #include <QTest>
+#include <algorithm>
+#include <arpa/inet.h>
+#include <array>
 #include <memory>
+#include <netinet/in.h>
 #include <sys/resource.h>
 #include <sys/socket.h>
+#include <unistd.h>
 
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
@@ -92,6 +97,7 @@ private Q_SLOTS:
     void answersAHundredBrowsersAtOnce();
     void outlastsLongRequests_data();
     void outlastsLongRequests();
+    void swallowsWhatComesAfterTheAnswer();
     void answersABrowserThatOnlyListens();
     void endsWithABrowserThatSaysNothing();
     void takesTheCodeOfABrowserThatHasGone();
@@ -303,6 +309,38 @@ void TestLoopbackServer::outlastsLongRequests()
 
     QVERIFY2(got.contains(answer), got);
     QVERIFY(got.endsWith(bodyOf(expectedAnswer(400, "Bad host"))) || got.endsWith("</html>\n"));
+}
+
+void TestLoopbackServer::swallowsWhatComesAfterTheAnswer()
+{
+    // a bare socket, since a QTcpSocket closes when the server has closed its side
+    Waiting waiting;
+    const int browser = ::socket(AF_INET, SOCK_STREAM, 0);
+    sockaddr_in address {};
+    address.sin_family = AF_INET;
+    address.sin_port = htons(waiting.server->port());
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    QCOMPARE(::connect(browser, reinterpret_cast<const sockaddr *>(&address), sizeof address), 0);
+    const QByteArray request = getRequest(waiting.server->port(), "/callback?code=a&state=b");
+    QCOMPARE(::send(browser, request.constData(), size_t(request.size()), 0), request.size());
+
+    QByteArray answer;
+    std::array<char, 4096> buffer {};
+    const auto isAtEnd = [&] {
+        const auto count = ::recv(browser, buffer.data(), buffer.size(), MSG_DONTWAIT);
+        answer.append(buffer.data(), std::max<qsizetype>(count, 0));
+        return count == 0;
+    };
+    QTRY_VERIFY(isAtEnd());
+    QVERIFY2(answer.endsWith("</html>\n"), answer);
+    QTRY_VERIFY(*waiting.result);
+    waiting.server.reset();
+    for (int i = 0; i < 3; ++i) {
+        QCOMPARE(::send(browser, "more", 4, MSG_NOSIGNAL), 4);
+        QTest::qWait(5);
+    }
+    QVERIFY2(isAtEnd(), "the connection was reset");
+    ::close(browser);
 }
 
 void TestLoopbackServer::answersABrowserThatOnlyListens()

@@ -3,7 +3,7 @@
 #include <QByteArrayView>
 #include <memory>
 
-typedef struct _GConverter GConverter;
+typedef struct _GConverter GConverter; // GLib's name, NOLINT(bugprone-reserved-identifier)
 
 namespace kestrel {
 
