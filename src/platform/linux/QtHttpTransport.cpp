@@ -22,6 +22,9 @@ using Answer = std::expected<HttpResponse, TransportError>;
 /// Google compresses its answers only for programs whose name says that they can take it.
 const QByteArray userAgent = "Kestrel/" KESTREL_VERSION " (gzip)";
 
+/// In bytes. Many answers may come in together, and the event loop must run while they are unpacked.
+constexpr qsizetype unpackedAtATime = 2048;
+
 TransportError transportClosed()
 {
     return { TransportError::Kind::Network, u"The connection was closed."_s };
@@ -92,6 +95,7 @@ public:
         , m_request(std::move(request))
     {
         m_promise.start();
+        connect(&m_unpacking, &QTimer::timeout, this, &Transfer::unpackPiece);
         m_deadline.setSingleShot(true);
         connect(&m_deadline, &QTimer::timeout, this, [this] {
             end(std::unexpected(
@@ -112,6 +116,7 @@ private:
     void sendHop();
     void readHead();
     void readBody();
+    void unpackPiece();
     [[nodiscard]] bool isCutShort(int status) const;
     void finishHop();
     void followRedirect(const QByteArray &location);
@@ -131,6 +136,8 @@ private:
     std::optional<qint64> m_announced; ///< bytes of this hop's answer on the wire
     qint64 m_received = 0;
     std::optional<GzipDecoder> m_gzip; ///< where the answer is packed
+    QByteArray m_packed; ///< came and waits to be unpacked
+    QTimer m_unpacking;
     int m_redirects = 0;
     bool m_hasEnded = false;
 };
@@ -187,22 +194,33 @@ void Transfer::readHead()
 
 void Transfer::readBody()
 {
-    if (m_body.size() + m_reply->bytesAvailable() > HttpTransport::largestAnswer)
+    if (m_body.size() + m_packed.size() + m_reply->bytesAvailable() > HttpTransport::largestAnswer)
         return end(std::unexpected(answerTooLarge()));
     const QByteArray received = m_reply->readAll();
     m_received += received.size();
     if (!m_gzip) {
         m_body += received;
-        return;
+    } else if (!received.isEmpty()) {
+        m_packed += received;
+        m_unpacking.start();
     }
-    switch (m_gzip->unpack(received, m_body, HttpTransport::largestAnswer)) {
-    case GzipDecoder::Outcome::Unpacked:
-        return;
-    case GzipDecoder::Outcome::TooLarge:
+}
+
+void Transfer::unpackPiece()
+{
+    const qsizetype size = std::min(m_packed.size(), unpackedAtATime);
+    const auto outcome =
+        m_gzip->unpack(QByteArrayView(m_packed).first(size), m_body, HttpTransport::largestAnswer);
+    if (outcome == GzipDecoder::Outcome::TooLarge)
         return end(std::unexpected(answerTooLarge()));
-    case GzipDecoder::Outcome::Broken:
+    if (outcome == GzipDecoder::Outcome::Broken)
         return fail(u"The answer cannot be unpacked."_s);
-    }
+    m_packed.remove(0, size);
+    if (!m_packed.isEmpty())
+        return;
+    m_unpacking.stop();
+    if (m_reply->isFinished())
+        finishHop();
 }
 
 /// Qt does not always notice that a connection was closed before the announced end.
@@ -215,7 +233,7 @@ bool Transfer::isCutShort(int status) const
 void Transfer::finishHop()
 {
     readBody();
-    if (m_hasEnded)
+    if (m_hasEnded || !m_packed.isEmpty())
         return;
     const QVariant statusAttribute = m_reply->attribute(QNetworkRequest::HttpStatusCodeAttribute);
     const auto status = statusAttribute.isValid() ? std::optional(statusAttribute.toInt()) : std::nullopt;
@@ -262,6 +280,7 @@ void Transfer::end(Answer answer)
     if (std::exchange(m_hasEnded, true))
         return;
     m_deadline.stop();
+    m_unpacking.stop();
     dropReply();
     m_promise.addResult(std::move(answer));
     m_promise.finish();
