@@ -26,7 +26,7 @@ inline QByteArray gzipped(const QByteArray &body)
 
     constexpr qsizetype qtAndZlibHead = 6;
     constexpr qsizetype zlibChecksum = 4;
-    const QByteArray zlib = body.isEmpty() ? QByteArray("......\x03\x00....", 12) : qCompress(body, 9);
+    const QByteArray zlib = body.isEmpty() ? QByteArray("......\x03\x00....", 12) : qCompress(body, 1);
     return QByteArray("\x1f\x8b\x08\0\0\0\0\0\0\xff", 10) + zlib.mid(qtAndZlibHead).chopped(zlibChecksum)
         + QByteArray(reinterpret_cast<const char *>(trailer.data()), sizeof trailer);
 }

@@ -84,7 +84,7 @@ HttpRequest get(const QUrl &url)
 {
     HttpRequest request;
     request.url = url;
-    request.timeout = 20s;
+    request.timeout = 100s; // the tests of the time-out set their own
     return request;
 }
 
@@ -385,18 +385,18 @@ void TestQtHttpTransport::cutsOffLargerAnswers_data()
                                         << "100000\r\n" + megabyte + "\r\n";
     QTest::newRow("no length at all") << "HTTP/1.1 200 OK\r\n\r\n"_ba << megabyte;
     QTest::newRow("an error page") << "HTTP/1.1 500 Oops\r\n\r\n"_ba << megabyte;
-    const QByteArray packed = gzipped(QByteArray(64 << 20, '0'));
+    const QByteArray packed = gzipped(QByteArray(20 << 20, '0'));
     const QByteArray packedHead = "\r\nContent-Encoding: gzip\r\nContent-Length: "
         + QByteArray::number(packed.size()) + "\r\n\r\n" + packed;
     QTest::newRow("packed a thousandfold") << "HTTP/1.1 200 OK" + packedHead << ""_ba;
     QTest::newRow("packed error page") << "HTTP/1.1 503 Oops" + packedHead << ""_ba;
     QByteArray mixed; // half noise, half zeros: packs twofold
-    for (quint32 i = 0, noise = 1; i < (1 << 20); ++i) {
+    for (quint32 i = 0, noise = 1; i < (1 << 16); ++i) {
         noise = noise * 1664525 + 1013904223;
         mixed += static_cast<char>(noise >> 24);
         mixed += '0';
     }
-    const QByteArray packedMixed = gzipped(mixed.repeated(9));
+    const QByteArray packedMixed = gzipped(mixed.repeated(129));
     QTest::newRow("packed twofold") << "HTTP/1.1 200 OK\r\nContent-Encoding: gzip\r\nContent-Length: "
             + QByteArray::number(packedMixed.size()) + "\r\n\r\n"
             + packedMixed << ""_ba;
