@@ -258,7 +258,7 @@ bool read(const element &json, Record &record, Context &context)
 
 /// The parser keeps its buffers from one answer to the next, about four times the answer's size; those of an
 /// unusually large one are given back.
-constexpr size_t largestKeptAnswer = 1024 * 1024;
+constexpr size_t largestKeptAnswer = 1'000'000;
 
 template<typename Answer>
 std::expected<Answer, DecodingError> decode(QByteArrayView json)
