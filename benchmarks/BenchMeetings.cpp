@@ -159,6 +159,7 @@ int main(int argc, char **argv)
                                        "--benchmark_min_time=0.1" };
     options.insert(options.end(), argv + 1, argv + argc);
     std::vector<char *> arguments;
+    arguments.reserve(options.size());
     for (std::string &option : options)
         arguments.push_back(option.data());
     int count = static_cast<int>(arguments.size());
