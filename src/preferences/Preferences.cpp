@@ -124,7 +124,8 @@ QMap<QString, QStringList> Preferences::selectedCalendarIDsByAccount() const
         if (!entry->isArray())
             return {};
         QStringList ids;
-        for (const QJsonValue &id : entry->toArray()) {
+        const QJsonArray array = entry->toArray();
+        for (const auto &id : array) {
             if (!id.isString())
                 return {};
             ids.append(id.toString());

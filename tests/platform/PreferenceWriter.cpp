@@ -18,8 +18,8 @@ int main(int argc, char **argv)
 {
     const QCoreApplication application(argc, argv);
     const QStringList arguments = QCoreApplication::arguments();
-    const QString mode = arguments.at(1);
-    const QString key = arguments.at(3);
+    const QString &mode = arguments.at(1);
+    const QString &key = arguments.at(3);
     kestrel::IniPreferenceStore store(arguments.at(2));
     QObject::connect(&store, &kestrel::PreferenceStore::writeFailed,
                      [](const QString &message) { std::puts(qPrintable(message)); });

@@ -72,6 +72,13 @@ private:
     }
 
 private Q_SLOTS:
+    void initTestCase()
+    {
+        auto *bus = QDBusConnection::sessionBus().interface();
+        QVERIFY(bus);
+        QVERIFY2(!bus->isServiceRegistered(u"org.freedesktop.secrets"_s), "only on a bus of its own");
+    }
+
     void init()
     {
         startService();

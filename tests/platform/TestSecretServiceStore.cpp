@@ -59,7 +59,7 @@ const QDBusArgument &operator>>(const QDBusArgument &argument, PlainSecret &secr
     argument.beginStructure();
     argument >> secret.session >> secret.parameters >> secret.value >> secret.contentType;
     argument.endStructure();
-    return argument;
+    return argument; // NOLINT(bugprone-return-const-ref-from-parameter): the shape that QtDBus asks for
 }
 
 QDBusMessage call(const QString &interface, const QString &method, const QVariantList &arguments)
@@ -247,6 +247,7 @@ private Q_SLOTS:
                 SecretStatus::Success);
         SecretServiceStore fresh; // so that all of them wait for the service
         std::vector<QCoro::Task<QByteArray>> reads;
+        reads.reserve(count);
         for (int i = 0; i < count; ++i)
             reads.push_back(read(fresh, { u"app.example"_s, u"many.%1"_s.arg(i) }));
         for (std::size_t i = 0; i < reads.size(); ++i)

@@ -114,7 +114,8 @@ std::expected<FileSecretStore::Content, QString> FileSecretStore::load() const
     const QJsonDocument document = QJsonDocument::fromJson(*bytes);
     const QJsonValue items = document.object().value("items"_L1);
     content.isDamaged = !items.isArray();
-    for (const QJsonValue &item : items.toArray()) {
+    const QJsonArray array = items.toArray();
+    for (const auto &item : array) {
         const auto secret = decoded(item["secret"_L1]);
         if (secret && item["service"_L1].isString() && item["account"_L1].isString())
             content.entries.append(

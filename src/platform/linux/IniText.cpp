@@ -198,7 +198,7 @@ IniText::IniText(const QByteArray &text)
 
 IniText::Line IniText::parse(const QByteArray &raw)
 {
-    const Line damaged { raw, Kind::Damaged, {}, {} };
+    Line damaged { raw, Kind::Damaged, {}, {} };
     QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
     const QString line = decoder(raw.trimmed());
     if (decoder.hasError()

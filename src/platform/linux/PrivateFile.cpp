@@ -48,7 +48,7 @@ std::expected<void, QString> replaceFile(const QString &path, const QByteArray &
 
 std::expected<QByteArray, QString> readFile(const QString &path)
 {
-    constexpr qint64 largest = 16 * 1024 * 1024;
+    constexpr qint64 largest = qint64(16) * 1024 * 1024;
     const QFileInfo entry(path);
     if (!entry.exists())
         return QByteArray();
