@@ -56,7 +56,9 @@ void BudgetTable::ReportRuns(const std::vector<Run> &runs)
     }
     if (name.empty())
         return;
-    m_measured[name] = { medianOf(figures["min"]), medianOf(figures["median"]), medianOf(figures["p99"]) };
+    const std::vector<double> &minima = figures["min"];
+    m_measured[name] = { *std::min_element(minima.begin(), minima.end()), medianOf(figures["median"]),
+                         medianOf(figures["p99"]) };
 }
 
 void BudgetTable::Finalize()
@@ -71,9 +73,9 @@ void BudgetTable::Finalize()
 
         const auto compared = m_measured.find(budget.comparedTo);
         const bool isRelative = compared != m_measured.end();
-        const double limit = isRelative ? budget.factor * compared->second.median : budget.milliseconds;
+        const double limit = isRelative ? budget.factor * compared->second.min : budget.milliseconds;
         if (limit > 0) {
-            const double ratio = times.median / limit;
+            const double ratio = (isRelative ? times.min : times.median) / limit;
             std::printf("%9.4f %6.2f  %s", limit, ratio, ratio <= 1 ? "within" : "OVER");
         }
         if (isRelative)

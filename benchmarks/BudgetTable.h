@@ -17,9 +17,11 @@ struct Budget
     double factor = 1;
 };
 
-/// Prints one line a budget, in their order: what was measured, what it may be, and whether it is. Of several
-/// repetitions each figure is the median; medians are compared; a benchmark that did not run in this run is
-/// left out. It never fails the program: machines differ.
+/// Prints one line a budget, in their order: what was measured, what it may be, and whether it is. Held
+/// against a time is the median; held against another benchmark are both minima, because a busy machine slows
+/// down what allocates memory more than what does not. Of several repetitions min is the least, the others
+/// are medians. A benchmark that did not run in this run is left out. It never fails the program: machines
+/// differ.
 class BudgetTable final : public benchmark::BenchmarkReporter
 {
 public:
