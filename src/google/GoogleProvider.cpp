@@ -179,6 +179,7 @@ GoogleProvider::fetchUpcomingMeetings(QString accountID, QStringList calendarIDs
         const GoogleEventMapper::Origin origin { accountID, calendarID, colorOf(calendarID, *account, listed),
                                                  account->email, account->meetLaunchMode };
         const auto events = co_await session->client.events(calendarID, from, to);
+        co_await turns->next(); // the page was decoded in the one before
         if (!self || !m_registry.account(accountID))
             co_return std::unexpected(FetchError { FetchError::Kind::AccountGone });
         if (!events) {

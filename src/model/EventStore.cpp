@@ -35,32 +35,35 @@ EventStore::EventStore(const Clock &clock, QObject *parent)
 void EventStore::replace(const QString &accountID, const QList<Meeting> &meetings)
 {
     // The list is sorted already, so only what is new needs sorting; pointers, because a meeting is dear to
-    // move.
+    // move. Copying one is dearer still, so what stays is moved over.
+    const QList<Meeting> given = meetings; // may be our own list
     std::vector<const Meeting *> added;
-    added.reserve(static_cast<size_t>(meetings.size()));
-    for (const Meeting &meeting : meetings) {
+    added.reserve(static_cast<size_t>(given.size()));
+    for (const Meeting &meeting : given) {
         if (!meeting.isCancelled)
             added.push_back(&meeting);
     }
     std::stable_sort(added.begin(), added.end(), startsEarlier);
 
     const Instant oldestEnd = m_clock.now() - keptAfterEnd;
+    QList<Meeting> held = std::exchange(m_upcoming, {});
     QList<Meeting> upcoming;
-    upcoming.reserve(m_upcoming.size() + meetings.size());
-    const auto take = [&](const Meeting &meeting) {
-        if (meeting.end > oldestEnd)
-            upcoming.append(meeting);
-    };
+    upcoming.reserve(held.size() + given.size());
     auto next = added.cbegin();
-    for (const Meeting &kept : std::as_const(m_upcoming)) {
+    const auto takeAddedBefore = [&](std::optional<Instant> start) {
+        for (; next != added.cend() && (!start || (*next)->start < *start); ++next) {
+            if ((*next)->end > oldestEnd)
+                upcoming.append(**next);
+        }
+    };
+    for (Meeting &kept : held) {
         if (kept.accountID == accountID)
             continue;
-        for (; next != added.cend() && (*next)->start < kept.start; ++next)
-            take(**next);
-        take(kept);
+        takeAddedBefore(kept.start);
+        if (kept.end > oldestEnd)
+            upcoming.append(std::move(kept));
     }
-    for (; next != added.cend(); ++next)
-        take(**next);
+    takeAddedBefore({});
 
     m_upcoming = std::move(upcoming);
     Q_EMIT upcomingChanged();
