@@ -1,7 +1,7 @@
 // Another process with the same preference file: `preference-writer MODE FILE KEY [COUNT]`.
 //   count    sets KEY to 1 … COUNT
 //   endless  the same without an end, and says each number once it is stored
-//   full     sets KEY to 7 where no file may grow over 20 bytes, as on a full disk
+//   full     sets KEY to 7 where no file may grow over 4096 bytes, as on a full disk
 //   foreign  sets KEY to 7 as a user who owns nothing here
 // The two last say what they were told, and how the key reads then.
 #include "platform/linux/IniPreferenceStore.h"
@@ -38,7 +38,7 @@ int main(int argc, char **argv)
     }
     if (mode == "full"_L1) {
         std::signal(SIGXFSZ, SIG_IGN);
-        const rlimit limit { 20, 20 };
+        const rlimit limit { 4096, 4096 };
         if (setrlimit(RLIMIT_FSIZE, &limit) != 0)
             return 2;
     } else if (getuid() == 0 && setuid(65534) != 0) {

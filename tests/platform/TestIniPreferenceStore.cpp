@@ -188,7 +188,7 @@ private Q_SLOTS:
     {
         QTest::addColumn<QString>("mode");
         QTest::addColumn<QString>("reason");
-        QTest::newRow("full disk") << u"full"_s << u"takes no new file"_s;
+        QTest::newRow("full disk") << u"full"_s << u"File too large"_s;
         QTest::newRow("someone else's folder") << u"foreign"_s << u"cannot be written to"_s;
     }
 
@@ -196,7 +196,7 @@ private Q_SLOTS:
     {
         QFETCH(QString, mode);
         QFETCH(QString, reason);
-        const QByteArray content = "[General]\nk=5\nother=1\n";
+        const QByteArray content = "[General]\nk=5\nlong=" + QByteArray(5000, 'x') + '\n';
         put(path(), content);
         QFile::setPermissions(m_folder->path(), privateFolder | QFile::ReadOther | QFile::ExeOther);
         QFile::setPermissions(path(), privateFile | QFile::ReadOther);
@@ -276,6 +276,20 @@ private Q_SLOTS:
                 QCOMPARE(store.integer(u"mine"_s), round);
             }
         }
+    }
+
+    void aReplacedFileIsWatchedInThePlaceOfTheOld()
+    {
+        put(path(), "k=1\n");
+        const IniPreferenceStore store(path());
+        const QSignalSpy changed(&store, &PreferenceStore::changedElsewhere);
+        QFile old(path());
+        QVERIFY(old.open(QIODevice::ReadOnly)); // so that it lives on without a name
+        replace(path(), "k=2\n");
+        QTRY_COMPARE(changed.size(), 1);
+        put(path(), "k=3\n");
+        QTRY_COMPARE(changed.size(), 2);
+        QCOMPARE(store.integer(u"k"_s), 3);
     }
 
     void ownChangesAreNotAnnounced()
