@@ -27,6 +27,8 @@ struct GoogleProvider::Session
 namespace {
 
 const QString primaryAlias = u"primary"_s;
+/// Events that are mapped before the event loop runs again.
+constexpr qsizetype eventsPerTurn = 125;
 
 /// The person's own colour for the calendar, else the provider's. Both hang on a calendar's identifier, which
 /// "primary" stands for once the calendars were listed.
@@ -167,6 +169,7 @@ GoogleProvider::fetchUpcomingMeetings(QString accountID, QStringList calendarIDs
     const QPointer self(this);
     const auto session = this->session(accountID);
     const auto turns = m_turns;
+    const GoogleEventMapper mapper = m_mapper;
     const QList<ProviderCalendar> listed = m_calendarsByAccount.value(accountID);
     qCInfo(lcCalendar).noquote().nospace()
         << "fetchUpcomingMeetings accountID=" << accountID << " email=" << account->email.value_or(u"<nil>"_s)
@@ -190,20 +193,24 @@ GoogleProvider::fetchUpcomingMeetings(QString accountID, QStringList calendarIDs
                 << errorForLog(description(events.error()));
             continue;
         }
-        for (const Google::Event &event : events->items) {
-            if (auto meeting = m_mapper.map(event, origin))
+        for (qsizetype i = 0; i < events->items.size(); ++i) {
+            if (i > 0 && i % eventsPerTurn == 0)
+                co_await turns->next();
+            if (auto meeting = mapper.map(events->items[i], origin))
                 byStart.emplace(meeting->start, std::move(*meeting));
         }
     }
 
-    // the last page was mapped in this turn, and whoever takes the meetings has work to do as well
     co_await turns->next();
-    if (!self || !m_registry.account(accountID))
-        co_return std::unexpected(FetchError { FetchError::Kind::AccountGone });
     QList<Meeting> meetings;
     meetings.reserve(static_cast<qsizetype>(byStart.size()));
     for (auto &[start, meeting] : byStart)
         meetings.append(std::move(meeting));
+    byStart.clear();
+
+    co_await turns->next(); // whoever takes the meetings has work to do as well
+    if (!self || !m_registry.account(accountID))
+        co_return std::unexpected(FetchError { FetchError::Kind::AccountGone });
     co_return meetings;
 }
 

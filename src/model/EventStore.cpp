@@ -13,6 +13,7 @@ namespace {
 
 /// How long a meeting stays in the list after its end.
 constexpr hours keptAfterEnd { 1 };
+constexpr qsizetype freedPerTurn = 100;
 
 bool startsEarlier(const Meeting *a, const Meeting *b)
 {
@@ -30,6 +31,8 @@ EventStore::EventStore(const Clock &clock, QObject *parent)
     : QObject(parent)
     , m_clock(clock)
 {
+    m_freeing.setInterval(0);
+    connect(&m_freeing, &QTimer::timeout, this, &EventStore::freeSomeReplaced);
 }
 
 void EventStore::replace(const QString &accountID, const QList<Meeting> &meetings)
@@ -57,8 +60,10 @@ void EventStore::replace(const QString &accountID, const QList<Meeting> &meeting
         }
     };
     for (Meeting &kept : held) {
-        if (kept.accountID == accountID)
+        if (kept.accountID == accountID) {
+            m_replaced.append(std::move(kept));
             continue;
+        }
         takeAddedBefore(kept.start);
         if (kept.end > oldestEnd)
             upcoming.append(std::move(kept));
@@ -66,7 +71,15 @@ void EventStore::replace(const QString &accountID, const QList<Meeting> &meeting
     takeAddedBefore({});
 
     m_upcoming = std::move(upcoming);
+    m_freeing.start();
     Q_EMIT upcomingChanged();
+}
+
+void EventStore::freeSomeReplaced()
+{
+    m_replaced.resize(std::max(m_replaced.size() - freedPerTurn, qsizetype(0)));
+    if (m_replaced.isEmpty())
+        m_freeing.stop();
 }
 
 void EventStore::clear()

@@ -3,6 +3,7 @@
 #include "model/Meeting.h"
 #include <QList>
 #include <QObject>
+#include <QTimer>
 #include <optional>
 
 namespace kestrel {
@@ -35,8 +36,14 @@ Q_SIGNALS:
     void upcomingChanged();
 
 private:
+    void freeSomeReplaced();
+
     const Clock &m_clock;
     QList<Meeting> m_upcoming;
+    /// What replace() took out. Freeing a thousand meetings with their guests takes milliseconds, so it is done
+    /// a little at a time.
+    QList<Meeting> m_replaced;
+    QTimer m_freeing;
 };
 
 } // namespace kestrel

@@ -188,7 +188,7 @@ private Q_SLOTS:
     {
         QTest::addColumn<QString>("mode");
         QTest::addColumn<QString>("reason");
-        QTest::newRow("full disk") << u"full"_s << u"File too large"_s;
+        QTest::newRow("full disk") << u"full"_s << u"no room for all of it"_s;
         QTest::newRow("someone else's folder") << u"foreign"_s << u"cannot be written to"_s;
     }
 

@@ -8,6 +8,7 @@
 #include <cerrno>
 #include <cstring>
 #include <sys/stat.h>
+#include <unistd.h>
 
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
@@ -38,10 +39,20 @@ std::expected<void, QString> replaceFile(const QString &path, const QByteArray &
         // QSaveFile creates its temporary file with what the umask leaves of 0666
         const mode_t before = ::umask(S_IRWXG | S_IRWXO);
         const auto restore = qScopeGuard([before] { ::umask(before); });
-        if (!file.open(QIODevice::WriteOnly))
+        // Unbuffered, because a buffer that is only partly written, as on a full disk, passes for written and
+        // the file is then replaced by half of it (Qt 6.4).
+        if (!file.open(QIODevice::WriteOnly | QIODevice::Unbuffered))
             return std::unexpected(file.errorString());
     }
-    if (file.write(content) != content.size() || !file.commit())
+    if (file.write(content) != content.size()) {
+        return std::unexpected(file.error() == QFileDevice::NoError
+                                   ? u"there is no room for all of it, perhaps because the disk is full"_s
+                                   : file.errorString());
+    }
+    // some file systems say only now that they are full, and some rename before they have written
+    if (::fsync(file.handle()) != 0)
+        return std::unexpected(qt_error_string(errno));
+    if (!file.commit())
         return std::unexpected(file.errorString());
     return {};
 }
