@@ -49,7 +49,7 @@ std::expected<void, QString> replaceFile(const QString &path, const QByteArray &
                                    ? u"there is no room for all of it, perhaps because the disk is full"_s
                                    : file.errorString());
     }
-    // some file systems say only now that they are full, and some rename before they have written
+    // some file systems say only now that they are full, and commit() does not listen
     if (::fsync(file.handle()) != 0)
         return std::unexpected(qt_error_string(errno));
     if (!file.commit())
@@ -70,11 +70,11 @@ std::expected<QByteArray, QString> readFile(const QString &path)
     if (!file.open(QIODevice::ReadOnly))
         return file.exists() ? std::expected<QByteArray, QString>(std::unexpected(file.errorString()))
                              : QByteArray();
-    QByteArray content = file.read(largest + 1);
+    if (file.size() > largest)
+        return std::unexpected(u"it is larger than 16 MiB"_s);
+    QByteArray content = file.readAll();
     if (file.error() != QFileDevice::NoError)
         return std::unexpected(file.errorString());
-    if (content.size() > largest)
-        return std::unexpected(u"it is larger than 16 MiB"_s);
     return content;
 }
 
