@@ -24,17 +24,12 @@ QString clockTime(Instant instant)
 QString line(const Meeting &meeting, const QString &note)
 {
     constexpr int timesWidth = 19;
-    constexpr int platformWidth = 18;
     const QString times = clockTime(meeting.start) + u'–' + clockTime(meeting.end);
-    QString platform = terminalText(meeting.platform.displayName());
-    if (platform.size() > platformWidth)
-        platform = platform.left(platformWidth - 1) + u'…';
-    QString text = u"  "_s + times.leftJustified(timesWidth) + u' ' + platform.leftJustified(platformWidth)
-        + u"  "_s + terminalText(meeting.title);
+    QStringList parts { terminalText(meeting.title), terminalText(meeting.platform.displayName()) };
     if (!note.isEmpty())
-        text += u" ("_s + note + u')';
-    text += u'\n';
-    const QString indent(timesWidth + platformWidth + 5, u' ');
+        parts.append(note);
+    QString text = u"  "_s + times.leftJustified(timesWidth) + u"  "_s + parts.join(u" · "_s) + u'\n';
+    const QString indent(timesWidth + 4, u' ');
     if (meeting.location)
         text += indent + terminalText(*meeting.location) + u'\n';
     if (meeting.meetingURL)

@@ -15,6 +15,7 @@ Meeting meetingAt(const QString &title, std::chrono::minutes start, std::chrono:
     meeting.id = u"A:"_s + title;
     meeting.accountID = u"A"_s;
     meeting.title = title;
+    meeting.platform = MeetingPlatform::Kind::Zoom;
     meeting.start = now + start;
     meeting.end = meeting.start + length;
     return meeting;
@@ -38,9 +39,10 @@ private Q_SLOTS:
 
         const QString text = agendaText(store, now);
 
-        const QStringList order { u"\nNow\n"_s,         u"Running (until"_s,  u"\nNext\n"_s,
-                                  u"Soon (in 4 min)"_s, u"\nLater today\n"_s, u"Lunch\n"_s,
-                                  u"\nTomorrow\n"_s,    u"Morning\n"_s };
+        const QStringList order { u"\nNow\n"_s,         u"Running · Zoom · until"_s,
+                                  u"\nNext\n"_s,        u"Soon · Zoom · in 4 min"_s,
+                                  u"\nLater today\n"_s, u"Lunch · "_s,
+                                  u"\nTomorrow\n"_s,    u"Morning · "_s };
         qsizetype at = 0;
         for (const QString &part : order) {
             at = text.indexOf(part, at);
