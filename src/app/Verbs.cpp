@@ -7,6 +7,7 @@
 #include "google/GoogleEventMapper.h"
 #include "google/GoogleProvider.h"
 #include "platform/HttpTransport.h"
+#include "platform/SecretStore.h"
 #include <QFile>
 #include <QJsonDocument>
 #include <cstdio>
@@ -45,6 +46,22 @@ QJsonObject meetingOrNull(const QList<Meeting> &meetings)
 QString countOf(qsizetype count, QLatin1StringView one, QLatin1StringView many)
 {
     return QString::number(count) + u' ' + (count == 1 ? one : many);
+}
+
+/// What a person can do about a failed sign-in or sign-out; empty when the error says it all.
+QString adviceOn(const KeychainError &error)
+{
+    switch (static_cast<SecretStatus>(error.status)) {
+    case SecretStatus::Unavailable:
+        return u"\nNo keyring answers. Install gnome-keyring, KWallet or KeePassXC with its Secret Service, "
+               u"or start "
+               "Kestrel with --secret-store file (docs/secrets.md)."_s;
+    case SecretStatus::Locked:
+    case SecretStatus::Dismissed:
+        return u"\nThe keyring is locked. Unlock it, and try again."_s;
+    default:
+        return {};
+    }
 }
 
 } // namespace
@@ -151,8 +168,11 @@ QCoro::Task<VerbResult> Verbs::addAccount()
     if (!m_missingClient.isEmpty())
         co_return failed(ExitCode::Failed, m_missingClient);
     const auto account = co_await m_google.signIn();
-    if (!account)
-        co_return failed(ExitCode::Failed, description(account.error()));
+    if (!account) {
+        const auto *keychain = std::get_if<KeychainError>(&account.error());
+        co_return failed(ExitCode::Failed,
+                         description(account.error()) + (keychain ? adviceOn(*keychain) : QString()));
+    }
     co_return done(u"Signed in: %1 (%2)\n"_s.arg(accountName(*account), account->id));
 }
 
@@ -185,7 +205,7 @@ QCoro::Task<VerbResult> Verbs::removeAccount(QString name)
                          u"Several accounts are called \"%1\"; give the identifier."_s.arg(name));
     const auto signedOut = co_await m_google.signOut(ids.first());
     if (!signedOut)
-        co_return failed(ExitCode::Failed, signedOut.error().description());
+        co_return failed(ExitCode::Failed, signedOut.error().description() + adviceOn(signedOut.error()));
     co_return done(u"Signed out: %1\n"_s.arg(name));
 }
 
