@@ -12,8 +12,8 @@ namespace kestrel {
 
 namespace {
 
-// The escapes are the Desktop Entry Specification's: those of every string value, and inside them those of a
-// quoted argument of Exec.
+// The escapes are those of desktop entries (freedesktop.org): those of every string value, and inside them
+// those of a quoted argument of Exec.
 QString stringValue(QString text)
 {
     return text.replace(u'\\', "\\\\"_L1)
@@ -75,7 +75,7 @@ std::expected<void, QString> XdgLoginItem::setEnabled(bool enabled)
 
 std::expected<QByteArray, QString> XdgLoginItem::content() const
 {
-    // the specification knows no way to write '=', and GLib does not find a program with '%'
+    // the Desktop Entry format knows no way to write '=', and GLib does not find a program with '%'
     if (!m_program.startsWith(u'/') || m_program.contains(u'=') || m_program.contains(u'%'))
         return std::unexpected(u"no autostart entry can name the program %1"_s.arg(m_program));
     const QString entry = u"[Desktop Entry]\n"
