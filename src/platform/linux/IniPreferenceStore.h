@@ -9,11 +9,12 @@
 
 namespace kestrel {
 
-/// The preferences in one INI file (IniText says in which form). A write takes the file's lock, which it shares
-/// with other processes and with QSettings, reads what is there now, changes its one value and replaces the file;
-/// what could not be stored is not remembered either. Reading creates nothing; the file and its folder (0700)
-/// appear with the first write. Lines that cannot be read count as absent, and before a write drops them the file
-/// is kept as `<file>.broken`. Owned by app/. Main thread only.
+/// The preferences in one INI file (IniText says in which form). A write takes the file's lock, which
+/// it shares with other processes and with QSettings, reads what is there now, changes its one value
+/// and replaces the file; what could not be stored is not remembered either. Reading creates nothing;
+/// the file and its folder (0700) appear with the first write. Lines that cannot be read count as
+/// absent, and before a write drops them the file is kept as `<file>.broken`. Owned by app/. Main
+/// thread only.
 class IniPreferenceStore final : public PreferenceStore
 {
     Q_OBJECT
