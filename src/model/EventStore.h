@@ -40,8 +40,8 @@ private:
 
     const Clock &m_clock;
     QList<Meeting> m_upcoming;
-    /// What replace() took out. Freeing a thousand meetings with their guests takes milliseconds, so it is done
-    /// a little at a time.
+    /// What replace() took out. Freeing a thousand meetings with their guests takes milliseconds, so it is
+    /// done a little at a time.
     QList<Meeting> m_replaced;
     QTimer m_freeing;
 };
