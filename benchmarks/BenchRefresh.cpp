@@ -122,8 +122,8 @@ void benchmarkStall(benchmark::State &state)
     }
     preferenceStore.setData(u"registeredAccounts.v1"_s, QJsonDocument(accounts).toJson());
 
-    AppEnvironment environment({ preferenceStore,
-                                 secrets,
+    AppEnvironment environment(preferenceStore,
+                               { secrets,
                                  transport,
                                  opener,
                                  clock,

@@ -12,15 +12,14 @@ using namespace std::chrono_literals;
 
 namespace kestrel {
 
-AppEnvironment::AppEnvironment(const PlatformServices &services, QObject *parent)
+AppEnvironment::AppEnvironment(PreferenceStore &preferenceStore, const AuthServices &services,
+                               QObject *parent)
     : QObject(parent)
     , m_clock(services.clock)
-    , m_preferences(services.preferenceStore)
+    , m_preferences(preferenceStore)
     , m_store(services.clock)
-    , m_registry(services.preferenceStore)
-    , m_google(m_registry,
-               AuthServices { services.secrets, services.transport, services.opener, services.clock,
-                              services.endpoints, services.client, services.secretService })
+    , m_registry(preferenceStore)
+    , m_google(m_registry, services)
 {
     m_preferences.applyLanguageOverride();
 

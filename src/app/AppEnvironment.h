@@ -1,5 +1,4 @@
 #pragma once
-#include "auth/GoogleConfiguration.h"
 #include "base/Instant.h"
 #include "google/AccountRegistry.h"
 #include "google/GoogleProvider.h"
@@ -14,24 +13,7 @@
 
 namespace kestrel {
 
-class Clock;
-class HttpTransport;
 class PreferenceStore;
-class SecretStore;
-class UrlOpener;
-
-/// The desktop as the environment needs it; all of it outlives the environment and the tasks it started.
-struct PlatformServices
-{
-    PreferenceStore &preferenceStore;
-    SecretStore &secrets;
-    HttpTransport &transport;
-    UrlOpener &opener;
-    const Clock &clock;
-    GoogleEndpoints endpoints;
-    GoogleClient client;
-    QString secretService; ///< the `service` attribute of this instance's secrets
-};
 
 /// The root of the running application: owns its long-lived objects, and keeps the meetings in step with the
 /// registered accounts, every minute, at the start, when the accounts change, and when a locked secret store
@@ -45,7 +27,8 @@ class AppEnvironment final : public QObject
 public:
     static constexpr std::chrono::seconds autoRefreshInterval { 60 };
 
-    explicit AppEnvironment(const PlatformServices &services, QObject *parent = nullptr);
+    /// What it is given outlives it and the tasks that it started.
+    AppEnvironment(PreferenceStore &preferenceStore, const AuthServices &services, QObject *parent = nullptr);
     ~AppEnvironment() override;
 
     [[nodiscard]] const Clock &clock() const { return m_clock; }

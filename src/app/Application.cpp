@@ -58,7 +58,7 @@ Application::Application(const CommandLine &line, InstancePlace place, GoogleCli
 
 Application::~Application() = default;
 
-PlatformServices Application::services()
+AuthServices Application::services()
 {
     if (!m_secrets) {
         const QString kind = m_line.secretStore.isEmpty()
@@ -71,18 +71,15 @@ PlatformServices Application::services()
         m_transport = std::make_unique<QtHttpTransport>(*m_connectivity);
         m_opener = std::make_unique<DesktopUrlOpener>();
     }
-    return { *m_preferenceStore, *m_secrets, *m_transport,         *m_opener, m_clock,
-             m_place.endpoints,  m_client,   m_place.secretService };
+    return {
+        *m_secrets, *m_transport, *m_opener, m_clock, m_place.endpoints, m_client, m_place.secretService
+    };
 }
 
 void Application::makeAccounts()
 {
-    const PlatformServices platform = services();
     m_registry = std::make_unique<AccountRegistry>(*m_preferenceStore);
-    m_google = std::make_unique<GoogleProvider>(
-        *m_registry,
-        AuthServices { platform.secrets, platform.transport, platform.opener, platform.clock,
-                       platform.endpoints, platform.client, platform.secretService });
+    m_google = std::make_unique<GoogleProvider>(*m_registry, services());
     m_verbs =
         std::make_unique<Verbs>(*m_registry, *m_google, missingClientMessage(m_place.clientFile, m_client));
 }
@@ -97,7 +94,7 @@ int Application::run()
         return printResult(failure(ExitCode::Failed, noBusMessage));
 
     const TerminationSignals signals;
-    m_environment = std::make_unique<AppEnvironment>(services());
+    m_environment = std::make_unique<AppEnvironment>(*m_preferenceStore, services());
     m_verbs = std::make_unique<Verbs>(m_environment->registry(), m_environment->google(),
                                       missingClientMessage(m_place.clientFile, m_client));
     m_verbs->setEnvironment(m_environment.get());

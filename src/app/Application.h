@@ -34,7 +34,7 @@ private:
     [[nodiscard]] QCoro::Task<VerbResult> handedOver();
     /// The accounts and their sign-in, without the refresh loop.
     void makeAccounts();
-    [[nodiscard]] PlatformServices services();
+    [[nodiscard]] AuthServices services();
 
     CommandLine m_line;
     InstancePlace m_place;

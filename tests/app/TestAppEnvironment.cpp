@@ -31,12 +31,7 @@ struct Desktop
     }
     ~Desktop() { google.finish(); }
 
-    void start()
-    {
-        environment = std::make_unique<AppEnvironment>(
-            PlatformServices { google.preferences, google.secrets, google.transport, google.opener,
-                               google.clock, google.endpoints, google.client, u"test"_s });
-    }
+    void start() { environment = std::make_unique<AppEnvironment>(google.preferences, google.services()); }
 
     /// The start, and the two refreshes that belong to it.
     void startAndSettle()
