@@ -22,12 +22,29 @@ if(KESTREL_SANITIZE)
     add_link_options(${sanitizers})
 endif()
 
-# One folder of src/ is one static library: Kestrel::<folder>. LINK names what the folder may include.
+# One folder of src/ is one static library: Kestrel::<folder>. LINK names what the folder may include. With QML files it
+# is one QML module too: Kestrel.<Folder>, which holds the folder's QML_ELEMENT types as well.
 function(kestrel_library folder)
-    cmake_parse_arguments(ARG "" "" "SOURCES;LINK" ${ARGN})
+    cmake_parse_arguments(ARG "" "" "SOURCES;LINK;QML" ${ARGN})
     add_library(kestrel_${folder} STATIC ${ARG_SOURCES})
     add_library(Kestrel::${folder} ALIAS kestrel_${folder})
     target_link_libraries(kestrel_${folder} PUBLIC kestrel_options ${ARG_LINK})
+    if(ARG_QML)
+        string(SUBSTRING ${folder} 0 1 initial)
+        string(TOUPPER ${initial} initial)
+        string(REGEX REPLACE "^." ${initial} name ${folder})
+        # no plugin: the program links the module, and the folder's C++ names its registration (see QuickScene)
+        qt_add_qml_module(kestrel_${folder}
+            URI Kestrel.${name}
+            VERSION 1.0
+            NO_PLUGIN
+            RESOURCE_PREFIX /qt/qml
+            OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/qml/Kestrel/${name}
+            IMPORT_PATH ${CMAKE_BINARY_DIR}/qml
+            QML_FILES ${ARG_QML})
+        # what is generated includes the folder's headers by their bare names
+        target_include_directories(kestrel_${folder} PRIVATE ${CMAKE_CURRENT_SOURCE_DIR})
+    endif()
 endfunction()
 
 function(kestrel_program name)

@@ -3,13 +3,101 @@
 <TS version="2.1" language="es" sourcelanguage="en">
 <context>
     <name></name>
+    <message id="+%lld">
+        <source>+%lld</source>
+        <translation>+%1</translation>
+    </message>
+    <message id="MIN LEFT">
+        <source>MIN LEFT</source>
+        <translation>MIN REST.</translation>
+    </message>
+    <message id="agenda.date_format">
+        <source>agenda.date_format</source>
+        <translation>dddd, d MMM</translation>
+    </message>
+    <message id="alert.dismiss">
+        <source>alert.dismiss</source>
+        <translation>Descartar</translation>
+    </message>
+    <message id="alert.join_button.title %@">
+        <source>alert.join_button.title %@</source>
+        <translation>Entrar en %1</translation>
+    </message>
     <message id="attendee.unknown">
         <source>attendee.unknown</source>
         <translation>Desconocido</translation>
     </message>
+    <message id="brand.tagline">
+        <source>brand.tagline</source>
+        <translation>Puntual en cada reunión</translation>
+    </message>
+    <message id="countdown.ago_x">
+        <source>countdown.ago_x</source>
+        <translation>Hace %1</translation>
+    </message>
+    <message id="countdown.in_x">
+        <source>countdown.in_x</source>
+        <translation>En %1</translation>
+    </message>
+    <message id="countdown.now">
+        <source>countdown.now</source>
+        <translation>Ahora</translation>
+    </message>
+    <message id="duration.h %lld">
+        <source>duration.h %lld</source>
+        <translation>%1 h</translation>
+    </message>
+    <message id="duration.h_m %lld %lld">
+        <source>duration.h_m %lld %lld</source>
+        <translation>%1 h %2 min</translation>
+    </message>
+    <message id="duration.m %lld">
+        <source>duration.m %lld</source>
+        <translation>%1 min</translation>
+    </message>
+    <message id="meeting.open_in_calendar">
+        <source>meeting.open_in_calendar</source>
+        <translation>Abrir en el calendario</translation>
+    </message>
+    <message id="meeting.open_in_maps">
+        <source>meeting.open_in_maps</source>
+        <translation>Ver en el mapa</translation>
+    </message>
     <message id="meeting.untitled">
         <source>meeting.untitled</source>
         <translation>Reunión sin título</translation>
+    </message>
+    <message id="menu.join_next">
+        <source>menu.join_next</source>
+        <translation>Entrar en la próxima reunión</translation>
+    </message>
+    <message id="menu.open_agenda">
+        <source>menu.open_agenda</source>
+        <translation>Abrir la agenda</translation>
+    </message>
+    <message id="menubar.in_h_m %lld %lld">
+        <source>menubar.in_h_m %lld %lld</source>
+        <translation>en %1 h %2 min</translation>
+    </message>
+    <message id="menubar.in_m %lld">
+        <source>menubar.in_m %lld</source>
+        <translation>en %1 min</translation>
+    </message>
+    <message id="menubar.now">
+        <source>menubar.now</source>
+        <translation>ahora</translation>
+    </message>
+    <message id="onboarding.connect_google">
+        <source>onboarding.connect_google</source>
+        <translation>Conectar una cuenta de Google</translation>
+    </message>
+    <message id="onboarding.intro">
+        <source>onboarding.intro</source>
+        <translation>Kestrel muestra tu próxima reunión, te avisa a tiempo y te une con un clic.</translation>
+    </message>
+    <message id="onboarding.privacy_blurb">
+        <source>onboarding.privacy_blurb</source>
+        <translation>Kestrel solo lee tus calendarios. Lo que lee se queda en este ordenador.</translation>
     </message>
     <message id="platform.in_person">
         <source>platform.in_person</source>
@@ -18,6 +106,89 @@
     <message id="platform.unknown">
         <source>platform.unknown</source>
         <translation>Desconocida</translation>
+    </message>
+    <message id="popover.empty">
+        <source>popover.empty</source>
+        <translation>No hay próximas reuniones</translation>
+    </message>
+    <message id="popover.footer.last_refresh">
+        <source>popover.footer.last_refresh</source>
+        <translation>Última actualización</translation>
+    </message>
+    <message id="popover.footer.quit">
+        <source>popover.footer.quit</source>
+        <translation>Salir</translation>
+    </message>
+    <message id="popover.footer.refresh">
+        <source>popover.footer.refresh</source>
+        <translation>Actualizar</translation>
+    </message>
+    <message id="popover.footer.settings">
+        <source>popover.footer.settings</source>
+        <translation>Ajustes</translation>
+    </message>
+    <message id="popover.later_today">
+        <source>popover.later_today</source>
+        <translation>Hoy, más tarde</translation>
+    </message>
+    <message id="popover.minutes_left %n" numerus="yes">
+        <source>popover.minutes_left %n</source>
+        <translation>
+            <numerusform>Queda %n minuto</numerusform>
+            <numerusform>Quedan %n minutos</numerusform>
+        </translation>
+    </message>
+    <message id="popover.next_up.header">
+        <source>popover.next_up.header</source>
+        <translation>A continuación</translation>
+    </message>
+    <message id="popover.ongoing.header">
+        <source>popover.ongoing.header</source>
+        <translation>En curso</translation>
+    </message>
+    <message id="relative.days_ago %n" numerus="yes">
+        <source>relative.days_ago %n</source>
+        <translation>
+            <numerusform>ayer</numerusform>
+            <numerusform>hace %n días</numerusform>
+        </translation>
+    </message>
+    <message id="relative.hours_ago %n" numerus="yes">
+        <source>relative.hours_ago %n</source>
+        <translation>
+            <numerusform>hace %n hora</numerusform>
+            <numerusform>hace %n horas</numerusform>
+        </translation>
+    </message>
+    <message id="relative.minutes_ago %n" numerus="yes">
+        <source>relative.minutes_ago %n</source>
+        <translation>
+            <numerusform>hace %n minuto</numerusform>
+            <numerusform>hace %n minutos</numerusform>
+        </translation>
+    </message>
+    <message id="relative.now">
+        <source>relative.now</source>
+        <translation>ahora</translation>
+    </message>
+    <message id="relative.seconds_ago %n" numerus="yes">
+        <source>relative.seconds_ago %n</source>
+        <translation>
+            <numerusform>hace %n segundo</numerusform>
+            <numerusform>hace %n segundos</numerusform>
+        </translation>
+    </message>
+    <message id="settings.calendar_color.help.custom">
+        <source>settings.calendar_color.help.custom</source>
+        <translation>Tu propio color. Haz clic para cambiarlo.</translation>
+    </message>
+    <message id="settings.calendar_color.help.default">
+        <source>settings.calendar_color.help.default</source>
+        <translation>El color de Google. Haz clic para elegir el tuyo.</translation>
+    </message>
+    <message id="settings.calendar_color.reset">
+        <source>settings.calendar_color.reset</source>
+        <translation>Usar el color de Google</translation>
     </message>
 </context>
 </TS>

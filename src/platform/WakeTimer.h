@@ -1,0 +1,26 @@
+#pragma once
+#include "base/Instant.h"
+#include <QObject>
+
+namespace kestrel {
+
+/// One absolute wall-clock timer that neither sleep nor a set clock makes late. Main thread only.
+class WakeTimer : public QObject
+{
+    Q_OBJECT
+public:
+    using QObject::QObject;
+
+    /// Fires once at `due` by the wall clock, at once when that is past. Takes the place of what was armed
+    /// before.
+    virtual void arm(Instant due) = 0;
+    virtual void cancel() = 0;
+
+Q_SIGNALS:
+    void fired();
+    /// The clock was set or the machine woke up: whoever plans by the clock plans again. The timer stays
+    /// armed.
+    void clockJumped();
+};
+
+} // namespace kestrel

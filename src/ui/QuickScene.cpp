@@ -1,0 +1,41 @@
+#include "ui/QuickScene.h"
+#include "base/Log.h"
+#include <QQuickItem>
+#include <QSGRendererInterface>
+
+using namespace Qt::StringLiterals;
+
+void qml_register_types_Kestrel_Ui();
+
+namespace kestrel {
+
+namespace {
+
+// The linker drops what nobody names, and with it the registration of the module's types.
+[[maybe_unused]] void (*const volatile keepModule)() = &qml_register_types_Kestrel_Ui;
+
+} // namespace
+
+QuickScene::QuickScene() = default;
+QuickScene::~QuickScene() = default;
+
+std::unique_ptr<QQuickView> QuickScene::makeView(const QUrl &source, const QVariantMap &properties)
+{
+    if (!m_engine) {
+        QQuickWindow::setGraphicsApi(QSGRendererInterface::Software);
+        m_engine = std::make_unique<QQmlEngine>();
+        m_engine->addImportPath(u":/qt/qml"_s);
+    }
+    auto view = std::make_unique<QQuickView>(m_engine.get(), nullptr);
+    view->setColor(Qt::transparent);
+    view->setInitialProperties(properties);
+    view->setSource(source);
+    if (view->status() != QQuickView::Ready) {
+        for (const QQmlError &error : view->errors())
+            qCCritical(lcApp).noquote() << "A window cannot be drawn:" << error.toString();
+        return nullptr;
+    }
+    return view;
+}
+
+} // namespace kestrel
