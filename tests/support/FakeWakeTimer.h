@@ -1,0 +1,34 @@
+#pragma once
+#include "platform/WakeTimer.h"
+#include <optional>
+
+namespace kestrel {
+
+/// Fires when the test says so, whatever it was armed for.
+class FakeWakeTimer final : public WakeTimer
+{
+    Q_OBJECT
+public:
+    void arm(Instant due) override
+    {
+        armed = due;
+        ++arms;
+    }
+    void cancel() override { armed.reset(); }
+
+    /// Nothing happens when it is not armed.
+    void fire()
+    {
+        if (!armed)
+            return;
+        armed.reset();
+        Q_EMIT fired();
+    }
+    /// The clock was set, or the machine woke up; what is armed stays so.
+    void jump() { Q_EMIT clockJumped(); }
+
+    std::optional<Instant> armed;
+    int arms = 0;
+};
+
+} // namespace kestrel
