@@ -1,0 +1,85 @@
+pragma ComponentBehavior: Bound
+import QtQuick
+import Kestrel.Ui
+
+/// Joins the meeting. Prominent: green, on cards; compact: its symbol alone, in rows.
+Pressable {
+    id: root
+
+    required property MeetingItem item
+    property bool compact: false
+    property bool prominent: false
+
+    /// After the link was handed over.
+    signal tapped
+
+    readonly property color ink: prominent ? "white" : Theme.text
+    readonly property real corner: compact ? Metrics.radiusControl : Metrics.radiusButton
+
+    accessibleName: item.joinText
+    toolTip: compact ? item.joinText : ""
+    leftPadding: compact ? Metrics.space2 : Metrics.space3
+    rightPadding: leftPadding
+    topPadding: compact ? Metrics.space1 : Metrics.space2
+    bottomPadding: topPadding
+    implicitHeight: Math.max(compact ? 24 : 32, implicitContentHeight + topPadding + bottomPadding)
+
+    onClicked: {
+        root.item.join();
+        root.tapped();
+    }
+
+    background: Item {
+        Repeater {
+            // a soft edge, 18 % black at its darkest, 2 px down
+            model: root.prominent ? 6 : 0
+
+            Rectangle {
+                required property int index
+
+                anchors.fill: parent
+                anchors.topMargin: 2 - index
+                anchors.bottomMargin: -2 - index
+                anchors.leftMargin: -index
+                anchors.rightMargin: -index
+                radius: root.corner + index
+                color: Qt.rgba(0, 0, 0, 0.032)
+            }
+        }
+        Rectangle {
+            anchors.fill: parent
+            visible: root.prominent
+            radius: root.corner
+            color: Theme.joinGreen
+        }
+        Loader {
+            anchors.fill: parent
+            active: !root.prominent
+            sourceComponent: GlassSurface {
+                tinted: true
+                tint: root.item.hasTint ? root.item.tint : Theme.accent
+                radius: root.corner
+            }
+        }
+    }
+
+    contentItem: Row {
+        spacing: Metrics.space1
+
+        Symbol {
+            anchors.verticalCenter: parent.verticalCenter
+            name: root.item.platformSymbol
+            size: 13
+            color: root.ink
+        }
+        PlainLabel {
+            anchors.verticalCenter: parent.verticalCenter
+            visible: !root.compact
+            width: Math.min(implicitWidth, root.availableWidth - 13 - Metrics.space1)
+            text: root.item.joinText
+            rounded: true
+            weight: root.prominent ? Font.DemiBold : Font.Normal
+            color: root.ink
+        }
+    }
+}
