@@ -1,5 +1,5 @@
 #include "platform/linux/WindowSystem.h"
-#include <QtEnvironmentVariables>
+#include <QtGlobal>
 #include <xcb/xcb.h>
 
 namespace kestrel {
