@@ -32,7 +32,8 @@ function(kestrel_library folder)
     if(ARG_QML)
         string(SUBSTRING ${folder} 0 1 initial)
         string(TOUPPER ${initial} initial)
-        string(REGEX REPLACE "^." ${initial} name ${folder})
+        string(SUBSTRING ${folder} 1 -1 rest)
+        set(name ${initial}${rest})
         # no plugin: the program links the module, and the folder's C++ names its registration (see QuickScene)
         qt_add_qml_module(kestrel_${folder}
             URI Kestrel.${name}
