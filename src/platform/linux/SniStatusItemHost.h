@@ -1,0 +1,64 @@
+#pragma once
+#include "platform/Appearance.h"
+#include "platform/StatusItemHost.h"
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QDBusServiceWatcher>
+#include <memory>
+
+namespace kestrel {
+
+class StatusItemMenu;
+
+/// Where a panel leaves room for the countdown.
+enum class CountdownPlace {
+    Label, ///< it draws XAyatanaLabel beside the icon
+    Icon, ///< it draws no labels, but wide icons as they are
+    ToolTip, ///< neither, or unknown: a wide icon would be squeezed into a square
+};
+
+/// What is known of the panel whose process has this name, as /proc/<pid>/comm gives it.
+[[nodiscard]] CountdownPlace countdownPlace(const QByteArray &processName);
+
+/// A StatusNotifierItem with a com.canonical.dbusmenu. Announces itself to the bus's
+/// org.kde.StatusNotifierWatcher at the first show(), and again to every watcher and every host that comes
+/// later. Main thread only; `appearance` outlives it.
+class SniStatusItemHost final : public StatusItemHost
+{
+    Q_OBJECT
+public:
+    SniStatusItemHost(QDBusConnection bus, const Appearance &appearance, QObject *parent = nullptr);
+    ~SniStatusItemHost() override;
+
+    void show(const StatusItemState &state) override;
+
+    /// Whether there is a panel that shows it.
+    [[nodiscard]] bool isHosted() const { return m_isHosted; }
+
+Q_SIGNALS:
+    void hostedChanged();
+
+private Q_SLOTS:
+    void registerItem();
+    void askForHosts();
+
+private:
+    class Item;
+
+    void start();
+    void meetWatcher();
+    void takeProcessId(const QDBusMessage &answer);
+    void takeHosts(const QDBusMessage &answer);
+    void takeRegistration(const QDBusMessage &answer);
+    void ask(QDBusMessage call, void (SniStatusItemHost::*answered)(const QDBusMessage &));
+    void setHosted(bool isHosted);
+
+    QDBusConnection m_bus;
+    const Appearance &m_appearance;
+    QDBusServiceWatcher m_watchers;
+    std::unique_ptr<Item> m_item;
+    std::unique_ptr<StatusItemMenu> m_menu;
+    bool m_isHosted = false;
+};
+
+} // namespace kestrel

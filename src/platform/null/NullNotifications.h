@@ -1,0 +1,17 @@
+#pragma once
+#include "platform/Notifications.h"
+
+namespace kestrel {
+
+/// Where there is nobody to show notifications.
+class NullNotifications final : public Notifications
+{
+    Q_OBJECT
+public:
+    using Notifications::Notifications;
+
+    void show(const Notice & /*notice*/) override { }
+    void close(const QString & /*key*/) override { }
+};
+
+} // namespace kestrel
