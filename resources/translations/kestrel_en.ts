@@ -190,5 +190,13 @@
         <source>settings.calendar_color.reset</source>
         <translation>Use Google's colour</translation>
     </message>
+    <message id="tray.unavailable.gnome">
+        <source>tray.unavailable.gnome</source>
+        <translation>GNOME shows no status icons by itself. Install the package gnome-shell-extension-appindicator, turn the extension on and sign in again. Until then “kestrel show” opens the agenda.</translation>
+    </message>
+    <message id="tray.unavailable.other">
+        <source>tray.unavailable.other</source>
+        <translation>There is no tray for the Kestrel icon. Start a panel that has one, such as waybar with its tray module, or open the agenda with “kestrel show”.</translation>
+    </message>
 </context>
 </TS>

@@ -190,5 +190,13 @@
         <source>settings.calendar_color.reset</source>
         <translation>Usar el color de Google</translation>
     </message>
+    <message id="tray.unavailable.gnome">
+        <source>tray.unavailable.gnome</source>
+        <translation>GNOME no muestra iconos de estado por sí solo. Instala el paquete gnome-shell-extension-appindicator, activa la extensión y vuelve a iniciar sesión. Mientras tanto, «kestrel show» abre la agenda.</translation>
+    </message>
+    <message id="tray.unavailable.other">
+        <source>tray.unavailable.other</source>
+        <translation>No hay bandeja para el icono de Kestrel. Inicia un panel que la tenga, como waybar con su módulo tray, o abre la agenda con «kestrel show».</translation>
+    </message>
 </context>
 </TS>

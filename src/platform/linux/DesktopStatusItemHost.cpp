@@ -1,0 +1,90 @@
+#include "platform/linux/DesktopStatusItemHost.h"
+#include <utility>
+
+using namespace Qt::StringLiterals;
+
+namespace kestrel {
+
+namespace {
+
+/// What brings a tray to the desktop of this session.
+QString whatHelps()
+{
+    // a colon-separated list: "ubuntu:GNOME"
+    const bool isGnome =
+        qEnvironmentVariable("XDG_CURRENT_DESKTOP").contains("gnome"_L1, Qt::CaseInsensitive);
+    return isGnome ? qtTrId("tray.unavailable.gnome") : qtTrId("tray.unavailable.other");
+}
+
+} // namespace
+
+DesktopStatusItemHost::DesktopStatusItemHost(const std::optional<QDBusConnection> &bus,
+                                             const Appearance &appearance, Patience patience)
+    : m_appearance(appearance)
+{
+    if (bus) {
+        m_sni = std::make_unique<SniStatusItemHost>(*bus, appearance);
+        connect(m_sni.get(), &StatusItemHost::activated, this, &StatusItemHost::activated);
+        connect(m_sni.get(), &StatusItemHost::menuTriggered, this, &StatusItemHost::menuTriggered);
+        connect(m_sni.get(), &SniStatusItemHost::hostedChanged, this, &DesktopStatusItemHost::chooseAgain);
+    }
+    m_untilXEmbed.setSingleShot(true);
+    m_untilXEmbed.setInterval(patience.untilXEmbed);
+    connect(&m_untilXEmbed, &QTimer::timeout, this, &DesktopStatusItemHost::fallBack);
+    m_untilMessage.setSingleShot(true);
+    m_untilMessage.setInterval(patience.untilMessage);
+    connect(&m_untilMessage, &QTimer::timeout, this, &DesktopStatusItemHost::giveUp);
+}
+
+void DesktopStatusItemHost::show(const StatusItemState &state)
+{
+    const bool isFirst = !m_state;
+    m_state = state;
+    if (m_sni)
+        m_sni->show(state);
+    if (m_xembed)
+        m_xembed->show(state);
+    if (isFirst) {
+        m_untilMessage.start();
+        chooseAgain();
+    }
+}
+
+void DesktopStatusItemHost::chooseAgain()
+{
+    if (m_sni && m_sni->isHosted()) {
+        m_untilXEmbed.stop();
+        m_xembed.reset();
+    } else if (!m_sni) {
+        fallBack();
+    } else {
+        // a panel that is only restarting comes back sooner
+        m_untilXEmbed.start();
+    }
+}
+
+void DesktopStatusItemHost::fallBack()
+{
+    m_xembed = XEmbedStatusItem::create(m_appearance);
+    if (!m_xembed)
+        return;
+    connect(m_xembed.get(), &XEmbedStatusItem::activated, this, &StatusItemHost::activated,
+            Qt::QueuedConnection);
+    m_xembed->show(*m_state);
+}
+
+void DesktopStatusItemHost::giveUp()
+{
+    const bool isShown = (m_sni && m_sni->isHosted()) || (m_xembed && m_xembed->isDocked());
+    if (!isShown)
+        Q_EMIT unavailable(whatHelps());
+}
+
+std::unique_ptr<StatusItemHost> makeStatusItemHost(const Appearance &appearance)
+{
+    const QDBusConnection bus = QDBusConnection::sessionBus();
+    return std::make_unique<DesktopStatusItemHost>(bus.isConnected() ? std::optional(bus) : std::nullopt,
+                                                   appearance, DesktopStatusItemHost::Patience());
+}
+
+} // namespace kestrel
