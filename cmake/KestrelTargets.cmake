@@ -40,6 +40,7 @@ function(kestrel_library folder)
             VERSION 1.0
             NO_PLUGIN
             RESOURCE_PREFIX /qt/qml
+            DEPENDENCIES QtQuick
             OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/qml/Kestrel/${name}
             IMPORT_PATH ${CMAKE_BINARY_DIR}/qml
             QML_FILES ${ARG_QML})

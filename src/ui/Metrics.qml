@@ -23,6 +23,10 @@ QtObject {
     readonly property int textFigure: 20
     readonly property int textLarge: 24
 
+    /// How much room a card's shadow needs around it; below it is shadowDrop more, above less.
+    readonly property int shadowReach: 30
+    readonly property int shadowDrop: 10
+
     readonly property int pressDuration: 120
     readonly property int moveDuration: 250
 }

@@ -1,7 +1,9 @@
 #include "ui/Theme.h"
 #include <QFontDatabase>
+#include <QFontMetricsF>
 #include <QGuiApplication>
 #include <QJSEngine>
+#include <cmath>
 
 using namespace Qt::StringLiterals;
 
@@ -116,6 +118,11 @@ void Theme::setReducesTransparency(bool reduces)
     Q_EMIT changed();
 }
 
+bool Theme::isComposited() const
+{
+    return m_appearance.isComposited();
+}
+
 bool Theme::motionAllowed() const
 {
     return !m_appearance.reducesMotion();
@@ -137,6 +144,22 @@ QString Theme::roundedFamily() const
         return QString();
     }();
     return found.isEmpty() ? family() : found;
+}
+
+qreal Theme::widthForAnyDigits(const QString &text, const QFont &font) const
+{
+    const QFontMetricsF metrics(font);
+    QChar widest = u'0';
+    for (QChar digit = u'1'; digit <= u'9'; digit.unicode()++) {
+        if (metrics.horizontalAdvance(digit) > metrics.horizontalAdvance(widest))
+            widest = digit;
+    }
+    QString filled = text;
+    for (QChar &letter : filled) {
+        if (letter >= u'0' && letter <= u'9')
+            letter = widest;
+    }
+    return std::ceil(metrics.horizontalAdvance(filled));
 }
 
 } // namespace kestrel

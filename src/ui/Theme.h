@@ -1,6 +1,7 @@
 #pragma once
 #include "platform/Appearance.h"
 #include <QColor>
+#include <QFont>
 #include <QObject>
 #include <QString>
 #include <QtQml/qqmlregistration.h>
@@ -33,6 +34,7 @@ class Theme final : public QObject
     Q_PROPERTY(QColor success READ success NOTIFY changed)
     Q_PROPERTY(QColor error READ error NOTIFY changed)
     Q_PROPERTY(bool glassAllowed READ glassAllowed NOTIFY changed)
+    Q_PROPERTY(bool composited READ isComposited NOTIFY changed)
     Q_PROPERTY(bool motionAllowed READ motionAllowed NOTIFY changed)
     Q_PROPERTY(QString family READ family CONSTANT)
     Q_PROPERTY(QString roundedFamily READ roundedFamily CONSTANT)
@@ -64,12 +66,16 @@ public:
     [[nodiscard]] bool glassAllowed() const;
     /// The person's own wish for solid surfaces.
     void setReducesTransparency(bool reduces);
+    /// Windows may be see-through at all: without it there are neither shadows nor rounded windows.
+    [[nodiscard]] bool isComposited() const;
     [[nodiscard]] bool motionAllowed() const;
 
     /// The desktop's interface font.
     [[nodiscard]] QString family() const;
     /// An installed rounded family, else the interface font.
     [[nodiscard]] QString roundedFamily() const;
+    /// How wide `text` gets at most when other digits stand in the places of its digits.
+    [[nodiscard]] Q_INVOKABLE qreal widthForAnyDigits(const QString &text, const QFont &font) const;
 
 Q_SIGNALS:
     void changed();

@@ -1,0 +1,30 @@
+import QtQuick
+
+/// A symbol that can be pressed.
+Pressable {
+    id: root
+
+    required property string symbol
+    property real size: Metrics.textSmall
+    property color color: Theme.secondaryText
+
+    accessibleName: toolTip
+    opacity: enabled ? 1 : 0.45
+    padding: Metrics.space1
+
+    background: Rectangle {
+        color: root.hovered ? Theme.hairline : "transparent"
+        radius: root.radius
+    }
+    contentItem: Item {
+        implicitHeight: root.size
+        implicitWidth: root.size
+
+        Symbol {
+            anchors.centerIn: parent
+            color: root.color
+            name: root.symbol
+            size: root.size
+        }
+    }
+}

@@ -1,0 +1,73 @@
+pragma ComponentBehavior: Bound
+import QtQuick
+import QtQuick.Templates as T
+
+/// What every button stands on: it gives way when it is pressed, shows where the keyboard is, and has a name
+/// for those who cannot see it.
+T.AbstractButton {
+    id: root
+
+    property string accessibleName: text
+    property string toolTip
+    property real radius: Metrics.radiusSmall
+    readonly property real pressScale: 0.97
+    readonly property real pressDim: 0.06
+
+    Accessible.name: root.accessibleName
+    Accessible.description: root.toolTip === root.accessibleName ? "" : root.toolTip
+    Accessible.role: Accessible.Button
+    focusPolicy: Qt.StrongFocus
+    hoverEnabled: true
+    implicitHeight: implicitContentHeight + topPadding + bottomPadding
+    implicitWidth: implicitContentWidth + leftPadding + rightPadding
+    scale: down ? pressScale : 1
+
+    Behavior on scale {
+        enabled: Theme.motionAllowed
+
+        NumberAnimation {
+            duration: Metrics.pressDuration
+            easing.type: Easing.OutQuad
+        }
+    }
+
+    Keys.onEnterPressed: root.clicked()
+    Keys.onReturnPressed: root.clicked()
+
+    // the templates' focus ring and dimming lie over whatever content a button has
+    Rectangle {
+        anchors.fill: parent
+        color: "black"
+        opacity: root.down ? root.pressDim : 0
+        radius: root.radius
+        z: 1
+
+        Behavior on opacity {
+            enabled: Theme.motionAllowed
+
+            NumberAnimation {
+                duration: Metrics.pressDuration
+                easing.type: Easing.OutQuad
+            }
+        }
+    }
+    Rectangle {
+        anchors.fill: parent
+        anchors.margins: -2
+        border.color: Theme.accent
+        border.width: 2
+        color: "transparent"
+        radius: root.radius + 2
+        visible: root.visualFocus
+        z: 2
+    }
+    Loader {
+        active: root.toolTip !== "" && (root.hovered || root.visualFocus)
+
+        sourceComponent: ToolTipBubble {
+            parent: root
+            text: root.toolTip
+            visible: true
+        }
+    }
+}

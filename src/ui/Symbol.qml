@@ -1,0 +1,10 @@
+import QtQuick
+
+/// One of our own symbols. It says nothing to a screen reader: what it stands beside does.
+SymbolItem {
+    id: root
+
+    Accessible.ignored: true
+    color: Theme.text
+    size: Metrics.textBody
+}
