@@ -1,0 +1,105 @@
+#include "platform/linux/DesktopApplicationLookup.h"
+#include <QFile>
+#include <QFileInfo>
+#include <QStandardPaths>
+#include <QTextStream>
+#include <array>
+#include <utility>
+
+using namespace Qt::StringLiterals;
+
+namespace kestrel {
+
+namespace {
+
+struct Row
+{
+    QLatin1StringView bundleIdentifier;
+    QLatin1StringView desktopID; ///< without its suffix
+};
+
+/// Per browser: what its packages name it, then Flatpak, then Snap.
+constexpr std::array rows {
+    Row { "com.google.Chrome"_L1, "google-chrome"_L1 },
+    Row { "com.google.Chrome"_L1, "google-chrome-stable"_L1 },
+    Row { "com.google.Chrome"_L1, "com.google.Chrome"_L1 },
+    Row { "com.google.Chrome.beta"_L1, "google-chrome-beta"_L1 },
+    Row { "com.google.Chrome.beta"_L1, "com.google.Chrome.beta"_L1 },
+    Row { "com.google.Chrome.canary"_L1, "google-chrome-unstable"_L1 },
+    Row { "com.google.Chrome.canary"_L1, "com.google.Chrome.unstable"_L1 },
+    Row { "com.google.Chrome.canary"_L1, "com.google.ChromeDev"_L1 },
+    Row { "org.chromium.Chromium"_L1, "chromium"_L1 },
+    Row { "org.chromium.Chromium"_L1, "chromium-browser"_L1 },
+    Row { "org.chromium.Chromium"_L1, "org.chromium.Chromium"_L1 },
+    Row { "org.chromium.Chromium"_L1, "chromium_chromium"_L1 },
+    Row { "com.brave.Browser"_L1, "brave-browser"_L1 },
+    Row { "com.brave.Browser"_L1, "com.brave.Browser"_L1 },
+    Row { "com.brave.Browser"_L1, "brave_brave"_L1 },
+    Row { "com.microsoft.edgemac"_L1, "microsoft-edge"_L1 },
+    Row { "com.microsoft.edgemac"_L1, "com.microsoft.Edge"_L1 },
+};
+
+/// The value of a key of the file's main group; empty when it has none.
+QString entry(const QString &path, QLatin1StringView key)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return {};
+    QTextStream text(&file);
+    bool isMainGroup = false;
+    for (QString line; text.readLineInto(&line);) {
+        const QString trimmed = line.trimmed();
+        if (trimmed.startsWith(u'[')) {
+            isMainGroup = trimmed == "[Desktop Entry]"_L1;
+            continue;
+        }
+        const qsizetype equals = trimmed.indexOf(u'=');
+        if (isMainGroup && equals > 0 && QStringView(trimmed).first(equals).trimmed() == key)
+            return trimmed.mid(equals + 1).trimmed();
+    }
+    return {};
+}
+
+bool isInstalled(const QString &path)
+{
+    if (entry(path, "Hidden"_L1) == "true"_L1)
+        return false;
+    const QString program = entry(path, "TryExec"_L1);
+    return program.isEmpty() || !QStandardPaths::findExecutable(program).isEmpty();
+}
+
+} // namespace
+
+DesktopApplicationLookup::DesktopApplicationLookup(QStringList folders)
+    : m_folders(std::move(folders))
+{
+}
+
+std::optional<QString> DesktopApplicationLookup::locationOf(const QString &bundleIdentifier) const
+{
+    for (const Row &row : rows) {
+        if (row.bundleIdentifier != bundleIdentifier)
+            continue;
+        for (const QString &folder : m_folders) {
+            const QString path = folder + u'/' + row.desktopID + u".desktop"_s;
+            if (!QFileInfo(path).isFile())
+                continue;
+            if (isInstalled(path))
+                return path;
+            break; // the first file of a name stands for all of them, also when it takes the entry away
+        }
+    }
+    return {};
+}
+
+QStringList DesktopApplicationLookup::applicationFolders()
+{
+    QStringList folders = QStandardPaths::standardLocations(QStandardPaths::ApplicationsLocation);
+    const QString ownData = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation);
+    folders << ownData + u"/flatpak/exports/share/applications"_s
+            << u"/var/lib/flatpak/exports/share/applications"_s << u"/var/lib/snapd/desktop/applications"_s;
+    folders.removeDuplicates();
+    return folders;
+}
+
+} // namespace kestrel

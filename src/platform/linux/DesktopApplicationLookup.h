@@ -1,0 +1,24 @@
+#pragma once
+#include "platform/ApplicationLookup.h"
+#include <QStringList>
+
+namespace kestrel {
+
+/// Knows the Chromium-family browsers by the .desktop files that distributions, vendors, Flatpak and Snap
+/// give them, and finds those files. Looks anew each time: browsers are installed while Kestrel runs.
+class DesktopApplicationLookup final : public ApplicationLookup
+{
+public:
+    explicit DesktopApplicationLookup(QStringList folders = applicationFolders());
+
+    /// A file that the person's own folder hides, or whose program is gone (TryExec), does not count.
+    [[nodiscard]] std::optional<QString> locationOf(const QString &bundleIdentifier) const override;
+
+    /// The XDG data folders, then those of Flatpak and Snap where the session does not name them.
+    [[nodiscard]] static QStringList applicationFolders();
+
+private:
+    QStringList m_folders;
+};
+
+} // namespace kestrel
