@@ -5,7 +5,6 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QNetworkAccessManager>
-#include <QNetworkCookieJar>
 #include <QNetworkReply>
 #include <QTest>
 #include <memory>
@@ -24,8 +23,6 @@ struct Reply
 {
     int status = 0;
     QByteArray body;
-    QByteArray location;
-    bool isBroken = false; ///< no whole answer came
 
     [[nodiscard]] QJsonObject json() const { return QJsonDocument::fromJson(body).object(); }
     /// Of the OAuth endpoints and of the Calendar API alike.
@@ -89,9 +86,7 @@ class TestSampleGoogle final : public QObject
         connect(reply.get(), &QNetworkReply::finished, &loop, &QEventLoop::quit);
         loop.exec();
         return { .status = reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt(),
-                 .body = reply->readAll(),
-                 .location = reply->rawHeader("Location"),
-                 .isBroken = reply->error() == QNetworkReply::RemoteHostClosedError };
+                 .body = reply->readAll() };
     }
 
     Reply get(const QString &target) { return send("GET", target); }
@@ -151,7 +146,6 @@ private Q_SLOTS:
     {
         m_clock.setNow(at(u"2030-01-15T09:00:00Z"));
         m_network.clearConnectionCache();
-        m_network.setCookieJar(new QNetworkCookieJar(&m_network));
         m_accessToken.clear();
         SampleGoogle::Options options;
         options.anchor = SampleGoogle::anchorFor(m_clock.now());
@@ -242,38 +236,6 @@ private Q_SLOTS:
         QCOMPARE(post(u"/token"_s, encoded(exchangeFields())).error(), u"invalid_grant"_s);
     }
 
-    void accessEnds_data()
-    {
-        QTest::addColumn<QString>("how");
-        QTest::addColumn<bool>("canRefresh");
-        QTest::newRow("the token's time is over") << QString() << true;
-        QTest::newRow("all tokens expire") << u"/expire-tokens"_s << true;
-        QTest::newRow("the refresh token is revoked") << u"/revoke?token=sample-refresh-0"_s << false;
-    }
-
-    void accessEnds()
-    {
-        QFETCH(QString, how);
-        QFETCH(bool, canRefresh);
-        QCOMPARE(get(eventsPath).status, 200);
-        if (how.isEmpty())
-            m_clock.setNow(m_clock.now() + 3599s);
-        else
-            QCOMPARE(post(how).status, 200);
-
-        const Reply reply = get(eventsPath);
-        QCOMPARE(reply.status, 401);
-        QCOMPARE(reply.error(), u"authError"_s);
-        QCOMPARE(get(u"/v1/userinfo"_s).status, 401);
-        const Reply renewed = refresh(u"sample-refresh-0"_s);
-        QCOMPARE(renewed.status, canRefresh ? 200 : 400);
-        QCOMPARE(renewed.error(), canRefresh ? QString() : u"invalid_grant"_s);
-        if (canRefresh) {
-            m_accessToken = renewed.json().value(u"access_token").toString().toLatin1();
-            QCOMPARE(get(eventsPath).status, 200);
-        }
-    }
-
     void eventsLieInTheWindowByStart_data()
     {
         QTest::addColumn<QString>("query");
@@ -300,22 +262,6 @@ private Q_SLOTS:
         const Reply reply = get(eventsPath + u"?singleEvents=true&orderBy=startTime&"_s + query);
         QCOMPARE(reply.status, 200);
         QTEST(idsOf(reply), "ids");
-    }
-
-    void pagesHoldEverythingOnce()
-    {
-        const QStringList all = idsOf(get(eventsPath + window));
-        QStringList collected;
-        QString page;
-        do {
-            const Reply small = get(QString(eventsPath + window).replace(u"=250"_s, u"=7"_s)
-                                    + (page.isEmpty() ? QString() : u"&pageToken="_s + page));
-            QVERIFY(!idsOf(small).isEmpty());
-            collected += idsOf(small);
-            page = small.json().value(u"nextPageToken").toString();
-            QCOMPARE(page.isEmpty(), small.json().contains(u"nextSyncToken"));
-        } while (!page.isEmpty());
-        QCOMPARE(collected, all);
     }
 
     void queriesAreChecked_data()
@@ -370,42 +316,6 @@ private Q_SLOTS:
 
         QCOMPARE(change(R"("remove":"extra")"), 404);
         QCOMPARE(change(R"("event":{"id":"x","startsInMinutes":1,"titel":"?"})"), 400);
-    }
-
-    void faultsComeOnceAndGo_data()
-    {
-        QTest::addColumn<int>("status");
-        QTest::addColumn<QByteArray>("sign"); // of the answer: what it must hold
-        QTest::newRow("status:401") << 401 << "authError"_ba;
-        QTest::newRow("status:503") << 503 << "backendError"_ba;
-        QTest::newRow("drip") << 200 << "sample002"_ba;
-        QTest::newRow("half") << 200 << ""_ba;
-        QTest::newRow("garbage") << 200 << "and so on"_ba;
-        QTest::newRow("html") << 200 << "<!DOCTYPE html>"_ba;
-        QTest::newRow("huge:100000") << 200 << QByteArray(99'000, 'x');
-        QTest::newRow("redirect:http://127.0.0.1:1/away") << 302 << ""_ba;
-        QTest::newRow("close") << 0 << ""_ba;
-    }
-
-    void faultsComeOnceAndGo()
-    {
-        QFETCH(QByteArray, sign);
-        const QString fault = QString::fromLatin1(QTest::currentDataTag());
-        const QByteArray right = get(eventsPath + window).body;
-        // a connection that closes without an answer is tried once more by the HTTP library itself
-        const auto times = fault == u"close" ? u"*2"_s : u"*1"_s;
-        const auto armed = Fault::fromCommandLine(eventsPath + u'=' + fault + times);
-        QVERIFY(armed);
-        QCOMPARE(post(u"/faults"_s, QJsonDocument(armed->toJson()).toJson()).status, 200);
-
-        const Reply faulty = get(eventsPath + window);
-        QTEST(faulty.status, "status");
-        QVERIFY(faulty.body.contains(sign));
-        QCOMPARE(faulty.isBroken, fault == u"half" || fault == u"close");
-        QCOMPARE(faulty.body == right, fault == u"drip");
-        QCOMPARE(faulty.location, faulty.status == 302 ? "http://127.0.0.1:1/away"_ba : QByteArray());
-
-        QCOMPARE(get(eventsPath + window).body, right);
     }
 
     void theRequestLogTellsNoValues()
