@@ -9,9 +9,7 @@ using namespace Qt::StringLiterals;
 using namespace std::chrono;
 
 namespace kestrel {
-
 namespace {
-
 Instant at(QStringView text)
 {
     return parseInternetDateTime(text).value();
@@ -48,252 +46,190 @@ class TestEventStore final : public QObject
 {
     Q_OBJECT
 private Q_SLOTS:
-    void init();
-    void replacesOneAccountOnly();
-    void dropsCancelledMeetings();
-    void forgetsWhatEndedAnHourAgo_data();
-    void forgetsWhatEndedAnHourAgo();
-    void keepsEarlierMeetingsFirstOnTies();
-    void mergesLikeAStableSort();
-    void announcesEveryAssignmentOnce();
-    void knowsWhatRuns_data();
-    void knowsWhatRuns();
-    void groupsWhatStartsNext_data();
-    void groupsWhatStartsNext();
-    void knowsTheDayInTheUsersZone_data();
-    void knowsTheDayInTheUsersZone();
+    void init() { m_clock.setNow(at(u"2025-03-01T09:00:00Z")); }
+
+    void replacesOneAccountOnly()
+    {
+        EventStore store(m_clock);
+        store.replace(u"a"_s, { meetingAt(u"a1"_s, 10, 20), meetingAt(u"a2"_s, 30, 40) });
+        store.replace(u"b"_s, { meetingAt(u"b1"_s, 20, 30, u"b"_s) });
+        QCOMPARE(ids(store.upcoming()), (QStringList { u"a1"_s, u"b1"_s, u"a2"_s }));
+        store.replace(u"a"_s, { meetingAt(u"a3"_s, 25, 30) });
+        QCOMPARE(ids(store.upcoming()), (QStringList { u"b1"_s, u"a3"_s }));
+        store.replace(u"a"_s, {});
+        QCOMPARE(ids(store.upcoming()), QStringList { u"b1"_s });
+        store.replace(u"a"_s, { meetingAt(u"a4"_s, 5, 30) });
+        store.removeMeetings(u"b"_s);
+        QCOMPARE(ids(store.upcoming()), QStringList { u"a4"_s });
+        store.clear();
+        QVERIFY(store.upcoming().isEmpty());
+    }
+
+    void forgetsWhatEndedAnHourAgo_data()
+    {
+        QTest::addColumn<int>("ago");
+        QTest::addColumn<bool>("stays");
+        QTest::newRow("a millisecond less than an hour") << 3'599'999 << true;
+        QTest::newRow("an hour") << 3'600'000 << false;
+    }
+
+    void forgetsWhatEndedAnHourAgo()
+    {
+        QFETCH(const int, ago);
+        QFETCH(const bool, stays);
+        EventStore store(m_clock);
+        const Instant end = m_clock.now() - milliseconds(ago);
+        // whether it comes in now or was there before, of this account or another
+        store.replace(u"a"_s, { meeting(u"new"_s, end - hours(2), end) });
+        QCOMPARE(store.upcoming().size(), stays ? 1 : 0);
+        m_clock.setNow(end);
+        store.replace(u"a"_s, { meeting(u"held"_s, end - hours(2), end) });
+        QCOMPARE(store.upcoming().size(), 1);
+        m_clock.setNow(end + milliseconds(ago));
+        store.replace(u"b"_s, {});
+        QCOMPARE(store.upcoming().size(), stays ? 1 : 0);
+    }
+
+    void mergesLikeAStableSort()
+    {
+        std::mt19937 random(4);
+        EventStore store(m_clock);
+        QList<Meeting> expected;
+        for (int round = 0; round < 60; ++round) {
+            const QString account = QString::number(random() % 4);
+            QList<Meeting> added;
+            for (unsigned i = 0, count = random() % 20; i < count; ++i) {
+                const int start = int(random() % 12);
+                added << meetingAt(u"%1/%2"_s.arg(round).arg(i), start, start + int(random() % 20) - 5,
+                                   account);
+                added.last().isCancelled = random() % 8 == 0;
+            }
+            m_clock.setNow(m_clock.now() + minutes(random() % 3));
+            store.replace(account, added);
+
+            expected.removeIf([&](const Meeting &m) { return m.accountID == account; });
+            expected << added;
+            expected.removeIf(
+                [&](const Meeting &m) { return m.isCancelled || m.end <= m_clock.now() - hours(1); });
+            std::stable_sort(expected.begin(), expected.end(),
+                             [](const Meeting &a, const Meeting &b) { return a.start < b.start; });
+            QCOMPARE(ids(store.upcoming()), ids(expected));
+        }
+        QVERIFY(!expected.isEmpty());
+    }
+
+    void announcesEveryAssignmentOnce()
+    {
+        EventStore store(m_clock);
+        QSignalSpy changed(&store, &EventStore::upcomingChanged);
+        store.replace(u"a"_s, { meetingAt(u"a1"_s, 10, 20), meetingAt(u"a2"_s, 10, 20) });
+        QCOMPARE(changed.count(), 1);
+        store.replace(u"a"_s, { meetingAt(u"a1"_s, 10, 20), meetingAt(u"a2"_s, 10, 20) });
+        QCOMPARE(changed.count(), 2);
+        store.removeMeetings(u"unknown"_s);
+        QCOMPARE(changed.count(), 3);
+        store.clear();
+        QCOMPARE(changed.count(), 4);
+    }
+
+    void knowsWhatRuns()
+    {
+        EventStore store(m_clock);
+        store.replace(u"a"_s, { meetingAt(u"long"_s, 0, 120), meetingAt(u"short"_s, 0, 60) });
+        const QStringList both { u"short"_s, u"long"_s };
+        QCOMPARE(ids(store.ongoing()), both);
+        QCOMPARE(ids(store.ongoing(at(u"2025-03-01T08:59:59Z"))), QStringList());
+        QCOMPARE(ids(store.ongoing(at(u"2025-03-01T09:59:59Z"))), both);
+        QCOMPARE(ids(store.ongoing(at(u"2025-03-01T10:00:00Z"))), QStringList { u"long"_s });
+        QCOMPARE(ids(store.ongoing(at(u"2025-03-01T11:00:00Z"))), QStringList());
+    }
+
+    void groupsWhatStartsNext_data()
+    {
+        QTest::addColumn<QString>("now");
+        QTest::addColumn<double>("tolerance");
+        QTest::addColumn<QStringList>("next");
+        const QString nine = u"2025-03-01T09:00:00Z"_s;
+        QTest::newRow("within five minutes")
+            << nine << 300.0 << QStringList { u"10:00"_s, u"10:00 too"_s, u"10:04"_s };
+        QTest::newRow("same start only") << nine << 0.0 << QStringList { u"10:00"_s, u"10:00 too"_s };
+        QTest::newRow("a fraction short") << nine << 239.9999 << QStringList { u"10:00"_s, u"10:00 too"_s };
+        QTest::newRow("without bounds")
+            << nine << qInf() << QStringList { u"10:00"_s, u"10:00 too"_s, u"10:04"_s, u"10:10"_s };
+        QTest::newRow("no number") << nine << qQNaN() << QStringList {};
+        QTest::newRow("what starts now runs")
+            << u"2025-03-01T10:00:00Z"_s << 0.0 << QStringList { u"10:04"_s };
+    }
+
+    void groupsWhatStartsNext()
+    {
+        QFETCH(const QString, now);
+        QFETCH(const double, tolerance);
+        QFETCH(const QStringList, next);
+        EventStore store(m_clock);
+        // ends before it starts, and is over when it would begin
+        store.replace(u"a"_s,
+                      { meetingAt(u"reversed"_s, 59, -10), meetingAt(u"10:10"_s, 70, 90),
+                        meetingAt(u"10:00"_s, 60, 90), meetingAt(u"10:04"_s, 64, 90),
+                        meetingAt(u"10:00 too"_s, 60, 70) });
+        QCOMPARE(store.upcoming().size(), 5);
+        QCOMPARE(ids(store.nextUp(at(now), tolerance)), next);
+        m_clock.setNow(at(now));
+        QCOMPARE(ids(store.nextUp({}, tolerance)), next);
+    }
+
+    void knowsTheDayInTheUsersZone_data()
+    {
+        QTest::addColumn<QByteArray>("zone");
+        QTest::addColumn<QString>("now");
+        QTest::addColumn<QString>("start");
+        QTest::addColumn<bool>("isToday");
+        const auto row = [](const char *name, const char *zone, const QString &now, const QString &start,
+                            bool isToday) {
+            QTest::newRow(name) << QByteArray(zone) << now << start << isToday;
+        };
+        row("since last night", "UTC", u"2025-03-02T00:30:00Z"_s, u"2025-03-01T23:00:00Z"_s, false);
+        row("over already", "UTC", u"2025-03-01T15:00:00Z"_s, u"2025-03-01T14:10:00Z"_s, true);
+        row("at the next midnight", "UTC", u"2025-03-01T15:00:00Z"_s, u"2025-03-02T00:00:00Z"_s, false);
+        row("the zone's day, not UTC's", "Asia/Tokyo", u"2025-03-01T15:30:00Z"_s, u"2025-03-02T14:59:00Z"_s,
+            true);
+        // Madrid: 30 March 2025 has 23 hours, 26 October 25
+        row("first minute after a short day", "Europe/Madrid", u"2025-03-30T10:00:00Z"_s,
+            u"2025-03-30T22:00:00Z"_s, false);
+        row("first minute after a long day", "Europe/Madrid", u"2025-10-26T10:00:00Z"_s,
+            u"2025-10-26T23:00:00Z"_s, false);
+        // Beirut's summer time begins at midnight: 30 March 2025 begins at 01:00
+        row("a day without midnight", "Asia/Beirut", u"2025-03-30T10:00:00Z"_s, u"2025-03-29T22:00:00Z"_s,
+            true);
+        // Apia left out 30 December 2011
+        row("the day before a day that never was", "Pacific/Apia", u"2011-12-30T09:00:00Z"_s,
+            u"2011-12-30T09:30:00Z"_s, true);
+    }
+
+    void knowsTheDayInTheUsersZone()
+    {
+        QFETCH(const QByteArray, zone);
+        QFETCH(const QString, now);
+        QFETCH(const QString, start);
+        const QByteArray before = qgetenv("TZ");
+        const auto restore = qScopeGuard([&] {
+            qputenv("TZ", before);
+            tzset();
+        });
+        qputenv("TZ", zone);
+        tzset();
+
+        m_clock.setNow(std::min(at(now), at(start)));
+        EventStore store(m_clock);
+        store.replace(u"a"_s, { meeting(u"m"_s, at(start), at(start) + minutes(10)) });
+        QCOMPARE(store.upcoming().size(), 1);
+        m_clock.setNow(at(now));
+        QTEST(!store.today().isEmpty(), "isToday");
+    }
 
 private:
     FixedClock m_clock { at(u"2025-03-01T09:00:00Z") };
 };
-
-void TestEventStore::init()
-{
-    m_clock.setNow(at(u"2025-03-01T09:00:00Z"));
-}
-
-void TestEventStore::replacesOneAccountOnly()
-{
-    EventStore store(m_clock);
-    store.replace(u"a"_s, { meetingAt(u"a1"_s, 10, 20), meetingAt(u"a2"_s, 30, 40) });
-    store.replace(u"b"_s, { meetingAt(u"b1"_s, 20, 30, u"b"_s) });
-    QCOMPARE(ids(store.upcoming()), (QStringList { u"a1"_s, u"b1"_s, u"a2"_s }));
-    store.replace(u"a"_s, { meetingAt(u"a3"_s, 25, 30) });
-    QCOMPARE(ids(store.upcoming()), (QStringList { u"b1"_s, u"a3"_s }));
-    store.replace(u"a"_s, {});
-    QCOMPARE(ids(store.upcoming()), QStringList { u"b1"_s });
-    store.replace(u"a"_s, { meetingAt(u"a4"_s, 5, 30) });
-    store.removeMeetings(u"b"_s);
-    QCOMPARE(ids(store.upcoming()), QStringList { u"a4"_s });
-    store.clear();
-    QVERIFY(store.upcoming().isEmpty());
-}
-
-void TestEventStore::dropsCancelledMeetings()
-{
-    EventStore store(m_clock);
-    Meeting cancelled = meetingAt(u"cancelled"_s, 10, 20);
-    cancelled.isCancelled = true;
-    store.replace(u"a"_s, { cancelled, meetingAt(u"stays"_s, 10, 20) });
-    QCOMPARE(ids(store.upcoming()), QStringList { u"stays"_s });
-}
-
-void TestEventStore::forgetsWhatEndedAnHourAgo_data()
-{
-    QTest::addColumn<int>("ago");
-    QTest::addColumn<bool>("stays");
-    QTest::newRow("59 minutes") << 59 * 60'000 << true;
-    QTest::newRow("a millisecond less than an hour") << 3'599'999 << true;
-    QTest::newRow("an hour") << 3'600'000 << false;
-    QTest::newRow("61 minutes") << 61 * 60'000 << false;
-}
-
-void TestEventStore::forgetsWhatEndedAnHourAgo()
-{
-    QFETCH(const int, ago);
-    QFETCH(const bool, stays);
-    EventStore store(m_clock);
-    const Instant end = m_clock.now() - milliseconds(ago);
-    // whether it comes in now or was there before, of this account or another
-    store.replace(u"a"_s, { meeting(u"new"_s, end - hours(2), end) });
-    QCOMPARE(store.upcoming().size(), stays ? 1 : 0);
-    m_clock.setNow(end);
-    store.replace(u"a"_s, { meeting(u"held"_s, end - hours(2), end) });
-    QCOMPARE(store.upcoming().size(), 1);
-    m_clock.setNow(end + milliseconds(ago));
-    store.replace(u"b"_s, {});
-    QCOMPARE(store.upcoming().size(), stays ? 1 : 0);
-}
-
-void TestEventStore::keepsEarlierMeetingsFirstOnTies()
-{
-    EventStore store(m_clock);
-    store.replace(u"b"_s, { meetingAt(u"b1"_s, 10, 20, u"b"_s) });
-    store.replace(u"a"_s,
-                  { meetingAt(u"late"_s, 30, 40), meetingAt(u"a1"_s, 10, 30), meetingAt(u"a2"_s, 10, 20) });
-    QCOMPARE(ids(store.upcoming()), (QStringList { u"b1"_s, u"a1"_s, u"a2"_s, u"late"_s }));
-    store.replace(u"b"_s, { meetingAt(u"b1"_s, 10, 20, u"b"_s) });
-    QCOMPARE(ids(store.upcoming()), (QStringList { u"a1"_s, u"a2"_s, u"b1"_s, u"late"_s }));
-}
-
-void TestEventStore::mergesLikeAStableSort()
-{
-    std::mt19937 random(4);
-    EventStore store(m_clock);
-    QList<Meeting> expected;
-    for (int round = 0; round < 60; ++round) {
-        const QString account = QString::number(random() % 4);
-        QList<Meeting> added;
-        for (unsigned i = 0, count = random() % 20; i < count; ++i) {
-            const int start = int(random() % 12);
-            added << meetingAt(u"%1/%2"_s.arg(round).arg(i), start, start + int(random() % 20) - 5, account);
-            added.last().isCancelled = random() % 8 == 0;
-        }
-        m_clock.setNow(m_clock.now() + minutes(random() % 3));
-        store.replace(account, added);
-
-        expected.removeIf([&](const Meeting &m) { return m.accountID == account; });
-        expected << added;
-        expected.removeIf(
-            [&](const Meeting &m) { return m.isCancelled || m.end <= m_clock.now() - hours(1); });
-        std::stable_sort(expected.begin(), expected.end(),
-                         [](const Meeting &a, const Meeting &b) { return a.start < b.start; });
-        QCOMPARE(ids(store.upcoming()), ids(expected));
-    }
-    QVERIFY(!expected.isEmpty());
-}
-
-void TestEventStore::announcesEveryAssignmentOnce()
-{
-    EventStore store(m_clock);
-    QSignalSpy changed(&store, &EventStore::upcomingChanged);
-    store.replace(u"a"_s, { meetingAt(u"a1"_s, 10, 20), meetingAt(u"a2"_s, 10, 20) });
-    QCOMPARE(changed.count(), 1);
-    store.replace(u"a"_s, { meetingAt(u"a1"_s, 10, 20), meetingAt(u"a2"_s, 10, 20) });
-    QCOMPARE(changed.count(), 2);
-    store.removeMeetings(u"unknown"_s);
-    QCOMPARE(changed.count(), 3);
-    store.clear();
-    QCOMPARE(changed.count(), 4);
-}
-
-void TestEventStore::knowsWhatRuns_data()
-{
-    QTest::addColumn<QString>("now");
-    QTest::addColumn<QStringList>("running");
-    QTest::newRow("before") << u"2025-03-01T08:59:59Z"_s << QStringList {};
-    QTest::newRow("at its start") << u"2025-03-01T09:00:00Z"_s << QStringList { u"short"_s, u"long"_s };
-    QTest::newRow("just before its end")
-        << u"2025-03-01T09:59:59Z"_s << QStringList { u"short"_s, u"long"_s };
-    QTest::newRow("at its end") << u"2025-03-01T10:00:00Z"_s << QStringList { u"long"_s };
-    QTest::newRow("after all") << u"2025-03-01T11:00:00Z"_s << QStringList {};
-}
-
-void TestEventStore::knowsWhatRuns()
-{
-    QFETCH(const QString, now);
-    QFETCH(const QStringList, running);
-    m_clock.setNow(at(u"2025-03-01T08:00:00Z"));
-    EventStore store(m_clock);
-    store.replace(u"a"_s, { meetingAt(u"long"_s, 0, 120), meetingAt(u"short"_s, 0, 60) });
-    QCOMPARE(ids(store.ongoing(at(now))), running);
-    m_clock.setNow(at(now));
-    QCOMPARE(ids(store.ongoing()), running);
-}
-
-void TestEventStore::groupsWhatStartsNext_data()
-{
-    QTest::addColumn<QString>("now");
-    QTest::addColumn<double>("tolerance");
-    QTest::addColumn<QStringList>("next");
-    const QString nine = u"2025-03-01T09:00:00Z"_s;
-    QTest::newRow("within five minutes")
-        << nine << 300.0 << QStringList { u"10:00"_s, u"10:00 too"_s, u"10:04"_s };
-    QTest::newRow("same start only") << nine << 0.0 << QStringList { u"10:00"_s, u"10:00 too"_s };
-    QTest::newRow("exactly within") << nine << 240.0
-                                    << QStringList { u"10:00"_s, u"10:00 too"_s, u"10:04"_s };
-    QTest::newRow("a fraction short") << nine << 239.9999 << QStringList { u"10:00"_s, u"10:00 too"_s };
-    QTest::newRow("without bounds") << nine << qInf()
-                                    << QStringList { u"10:00"_s, u"10:00 too"_s, u"10:04"_s, u"10:10"_s };
-    QTest::newRow("nothing is within less than nothing") << nine << -1.0 << QStringList {};
-    QTest::newRow("no number") << nine << qQNaN() << QStringList {};
-    QTest::newRow("what starts now runs") << u"2025-03-01T10:00:00Z"_s << 0.0 << QStringList { u"10:04"_s };
-    QTest::newRow("a second before") << u"2025-03-01T09:59:59Z"_s << 0.0
-                                     << QStringList { u"10:00"_s, u"10:00 too"_s };
-    QTest::newRow("nothing left") << u"2025-03-01T10:10:00Z"_s << 300.0 << QStringList {};
-}
-
-void TestEventStore::groupsWhatStartsNext()
-{
-    QFETCH(const QString, now);
-    QFETCH(const double, tolerance);
-    QFETCH(const QStringList, next);
-    EventStore store(m_clock);
-    // ends before it starts, and is over when it would begin
-    store.replace(u"a"_s,
-                  { meetingAt(u"reversed"_s, 59, -10), meetingAt(u"10:10"_s, 70, 90),
-                    meetingAt(u"10:00"_s, 60, 90), meetingAt(u"10:04"_s, 64, 90),
-                    meetingAt(u"10:00 too"_s, 60, 70) });
-    QCOMPARE(store.upcoming().size(), 5);
-    QCOMPARE(ids(store.nextUp(at(now), tolerance)), next);
-    m_clock.setNow(at(now));
-    QCOMPARE(ids(store.nextUp({}, tolerance)), next);
-}
-
-void TestEventStore::knowsTheDayInTheUsersZone_data()
-{
-    QTest::addColumn<QByteArray>("zone");
-    QTest::addColumn<QString>("now");
-    QTest::addColumn<QString>("start");
-    QTest::addColumn<bool>("isToday");
-    const auto row = [](const char *name, const char *zone, const QString &now, const QString &start,
-                        bool isToday) { QTest::newRow(name) << QByteArray(zone) << now << start << isToday; };
-    row("later this evening", "UTC", u"2025-03-01T23:30:00Z"_s, u"2025-03-01T23:45:00Z"_s, true);
-    row("after midnight", "UTC", u"2025-03-01T23:30:00Z"_s, u"2025-03-02T00:15:00Z"_s, false);
-    row("since last night", "UTC", u"2025-03-02T00:30:00Z"_s, u"2025-03-01T23:00:00Z"_s, false);
-    row("over already", "UTC", u"2025-03-01T15:00:00Z"_s, u"2025-03-01T14:10:00Z"_s, true);
-    row("at midnight", "UTC", u"2025-03-01T15:00:00Z"_s, u"2025-03-01T00:00:00Z"_s, true);
-    row("at the next midnight", "UTC", u"2025-03-01T15:00:00Z"_s, u"2025-03-02T00:00:00Z"_s, false);
-    row("the zone's day, not UTC's", "Asia/Tokyo", u"2025-03-01T15:30:00Z"_s, u"2025-03-02T14:59:00Z"_s,
-        true);
-    // Madrid: 30 March 2025 has 23 hours, 26 October 25
-    row("last minute of a short day", "Europe/Madrid", u"2025-03-30T10:00:00Z"_s, u"2025-03-30T21:59:00Z"_s,
-        true);
-    row("first minute after a short day", "Europe/Madrid", u"2025-03-30T10:00:00Z"_s,
-        u"2025-03-30T22:00:00Z"_s, false);
-    row("last minute of a long day", "Europe/Madrid", u"2025-10-26T10:00:00Z"_s, u"2025-10-26T22:59:00Z"_s,
-        true);
-    row("first minute after a long day", "Europe/Madrid", u"2025-10-26T10:00:00Z"_s,
-        u"2025-10-26T23:00:00Z"_s, false);
-    // Beirut's summer time begins at midnight: 30 March 2025 begins at 01:00
-    row("a day without midnight", "Asia/Beirut", u"2025-03-30T10:00:00Z"_s, u"2025-03-29T22:00:00Z"_s, true);
-    row("before a day without midnight", "Asia/Beirut", u"2025-03-29T10:00:00Z"_s, u"2025-03-29T22:00:00Z"_s,
-        false);
-    // Apia left out 30 December 2011
-    row("the day before a day that never was", "Pacific/Apia", u"2011-12-30T09:00:00Z"_s,
-        u"2011-12-30T09:30:00Z"_s, true);
-}
-
-void TestEventStore::knowsTheDayInTheUsersZone()
-{
-    QFETCH(const QByteArray, zone);
-    QFETCH(const QString, now);
-    QFETCH(const QString, start);
-    const QByteArray before = qgetenv("TZ");
-    const auto restore = qScopeGuard([&] {
-        qputenv("TZ", before);
-        tzset();
-    });
-    qputenv("TZ", zone);
-    tzset();
-
-    m_clock.setNow(std::min(at(now), at(start)));
-    EventStore store(m_clock);
-    store.replace(u"a"_s, { meeting(u"m"_s, at(start), at(start) + minutes(10)) });
-    QCOMPARE(store.upcoming().size(), 1);
-    m_clock.setNow(at(now));
-    QTEST(!store.today().isEmpty(), "isToday");
-}
 
 } // namespace kestrel
 
