@@ -1,0 +1,61 @@
+#pragma once
+#include "base/Clock.h"
+#include "model/Meeting.h"
+#include <QList>
+#include <QMap>
+#include <QObject>
+#include <QPointer>
+#include <QSet>
+#include <QStringList>
+#include <optional>
+
+namespace kestrel {
+
+class AlertPresenter;
+class EventStore;
+class Preferences;
+class WakeTimer;
+
+/// Keeps exactly one alert armed: the earliest that is still due, `leadTimeMinutes` before a meeting or,
+/// where the person wants it, one minute before. Reads the store and never writes it. Store and presenter may
+/// go first; the preferences, the clock and the timer outlive it. What was alerted is known by the meeting's
+/// identifier for as long as the process runs. Main thread only.
+class AlertScheduler final : public QObject
+{
+    Q_OBJECT
+public:
+    AlertScheduler(EventStore &store, AlertPresenter &presenter, Preferences &preferences, const Clock &clock,
+                   WakeTimer &timer);
+
+    /// Plans again from the store as it is now. An alert that came due in the meantime is presented rather
+    /// than planned away.
+    void rearm();
+
+private:
+    struct Fire
+    {
+        Instant date;
+        QList<Meeting> meetings; ///< all that start at the same instant, in the store's order
+        bool isPrimary = true;
+    };
+
+    void rearmLater();
+    void rearmIfOthersAreUpcoming();
+    /// The earliest alert of `groups`; of equal ones the one of the earlier group, and the primary first.
+    [[nodiscard]] std::optional<Fire> earliestFire(const QMap<Instant, QList<const Meeting *>> &groups,
+                                                   Instant now, std::chrono::seconds lead) const;
+    void presentLater();
+    void presentFire(Fire fire);
+
+    QPointer<EventStore> m_store;
+    QPointer<AlertPresenter> m_presenter;
+    Preferences &m_preferences;
+    const Clock &m_clock;
+    WakeTimer &m_timer;
+    QStringList m_upcomingIDs;
+    std::optional<Fire> m_armed;
+    QSet<QString> m_firedPrimary;
+    QSet<QString> m_firedSecondary;
+};
+
+} // namespace kestrel
