@@ -14,9 +14,9 @@ Pressable {
     signal tapped
 
     readonly property color ink: prominent ? "white" : Theme.text
-    readonly property real corner: compact ? Metrics.radiusControl : Metrics.radiusButton
 
     accessibleName: item.joinText
+    radius: compact ? Metrics.radiusControl : Metrics.radiusButton
     toolTip: compact ? item.joinText : ""
     leftPadding: compact ? Metrics.space2 : Metrics.space3
     rightPadding: leftPadding
@@ -42,14 +42,14 @@ Pressable {
                 anchors.bottomMargin: -2 - index
                 anchors.leftMargin: -index
                 anchors.rightMargin: -index
-                radius: root.corner + index
+                radius: root.radius + index
                 color: Qt.rgba(0, 0, 0, 0.032)
             }
         }
-        Rectangle {
+        SmoothRectangle {
             anchors.fill: parent
             visible: root.prominent
-            radius: root.corner
+            radius: root.radius
             color: Theme.joinGreen
         }
         Loader {
@@ -58,7 +58,7 @@ Pressable {
             sourceComponent: GlassSurface {
                 tinted: true
                 tint: root.item.hasTint ? root.item.tint : Theme.accent
-                radius: root.corner
+                radius: root.radius
             }
         }
     }

@@ -116,6 +116,11 @@ QString MeetingItem::joinText() const
     return qtTrId("alert.join_button.title %@").arg(platformName());
 }
 
+QString MeetingItem::summary() const
+{
+    return title() + u", "_s + startText() + u", "_s + platformName();
+}
+
 bool MeetingItem::canOpenInCalendar() const
 {
     return m_meeting.canonicalURL.has_value();
@@ -147,6 +152,14 @@ void MeetingItem::activate()
         openInCalendar();
     else
         join();
+}
+
+void MeetingItem::joinOrOpen()
+{
+    if (m_meeting.meetingURL)
+        join();
+    else
+        openInCalendar();
 }
 
 } // namespace kestrel

@@ -31,6 +31,7 @@ class MeetingItem final : public QObject
     Q_PROPERTY(QString attendeeCount READ attendeeCount NOTIFY changed)
     Q_PROPERTY(bool canJoin READ canJoin NOTIFY changed)
     Q_PROPERTY(QString joinText READ joinText NOTIFY changed)
+    Q_PROPERTY(QString summary READ summary NOTIFY changed)
     Q_PROPERTY(bool canOpenInCalendar READ canOpenInCalendar NOTIFY changed)
     Q_PROPERTY(kestrel::Countdown *countdown READ countdown CONSTANT)
 public:
@@ -59,6 +60,8 @@ public:
     [[nodiscard]] QString attendeeCount() const;
     [[nodiscard]] bool canJoin() const;
     [[nodiscard]] QString joinText() const;
+    /// What a screen reader says of it: title, time, platform.
+    [[nodiscard]] QString summary() const;
     [[nodiscard]] bool canOpenInCalendar() const;
     [[nodiscard]] Countdown *countdown() { return &m_countdown; }
 
@@ -68,6 +71,8 @@ public:
     Q_INVOKABLE void openMap();
     /// What a press on its row does: its calendar page, else its link, else nothing.
     Q_INVOKABLE void activate();
+    /// What Enter does: its link, else its calendar page, else nothing.
+    Q_INVOKABLE void joinOrOpen();
 
 Q_SIGNALS:
     void changed();
