@@ -1,8 +1,5 @@
 #include "google/AccountRegistry.h"
 #include "support/FakePreferenceStore.h"
-#include <QJsonArray>
-#include <QJsonDocument>
-#include <QJsonObject>
 #include <QSignalSpy>
 #include <QTest>
 
@@ -38,152 +35,118 @@ class TestAccountRegistry : public QObject
 {
     Q_OBJECT
 private Q_SLOTS:
-    void addedAccountsSurviveARestart_data();
-    void addedAccountsSurviveARestart();
-    void oneBadRecordLosesTheWholeList_data();
-    void oneBadRecordLosesTheWholeList();
-    void removeTakesEveryAccountOfTheIdentifier();
-    void updateEditsTheFirstMatchOrNothing();
-    void editsAreAnnouncedBeforeTheyAreSaved();
-    void followsAnotherProcess_data();
-    void followsAnotherProcess();
-};
-
-void TestAccountRegistry::addedAccountsSurviveARestart_data()
-{
-    QTest::addColumn<std::optional<QString>>("email");
-    QTest::newRow("with e-mail") << std::optional(u"ada@example.com"_s);
-    QTest::newRow("without e-mail") << std::optional<QString>();
-}
-
-void TestAccountRegistry::addedAccountsSurviveARestart()
-{
-    QFETCH(std::optional<QString>, email);
-    FakePreferenceStore store;
-    AccountRegistry registry(store);
-    QVERIFY(registry.accounts().isEmpty());
-    registry.add(makeAccount(u"A"_s, email));
-
-    const auto stored = QJsonDocument::fromJson(store.data(key).value()).array();
-    QCOMPARE(stored.size(), 1);
-    QCOMPARE(stored.at(0).toObject().contains(u"email"_s), email.has_value());
-    QCOMPARE(AccountRegistry(store).accounts(), registry.accounts());
-}
-
-void TestAccountRegistry::oneBadRecordLosesTheWholeList_data()
-{
-    const QByteArray good = record(R"("meetLaunchMode":"tab",)");
-    QTest::addColumn<QVariant>("stored");
-    QTest::newRow("no launch mode") << QVariant('[' + good + ',' + record("") + ']');
-    QTest::newRow("unknown launch mode")
-        << QVariant('[' + good + ',' + record(R"("meetLaunchMode":"window",)") + ']');
-    QTest::newRow("record is no object") << QVariant('[' + good + ",7]");
-    QTest::newRow("no list") << QVariant(good);
-    QTest::newRow("no JSON") << QVariant(QByteArray("[{"));
-    QTest::newRow("text instead of bytes") << QVariant(QString::fromUtf8('[' + good + ']'));
-}
-
-void TestAccountRegistry::oneBadRecordLosesTheWholeList()
-{
-    QFETCH(QVariant, stored);
-    FakePreferenceStore store;
-    store.values.insert(key, stored);
-
-    AccountRegistry registry(store);
-    QVERIFY(registry.accounts().isEmpty());
-    QCOMPARE(store.values.value(key), stored);
-
-    registry.add(makeAccount(u"A"_s));
-    QCOMPARE(AccountRegistry(store).accounts(), QList { makeAccount(u"A"_s) });
-}
-
-void TestAccountRegistry::removeTakesEveryAccountOfTheIdentifier()
-{
-    FakePreferenceStore store;
-    AccountRegistry registry(store);
-    for (const auto &id : { u"A"_s, u"B"_s, u"A"_s, u"C"_s })
-        registry.add(makeAccount(id));
-    registry.remove(u"A"_s);
-    const QList expected { makeAccount(u"B"_s), makeAccount(u"C"_s) };
-    QCOMPARE(registry.accounts(), expected);
-    QCOMPARE(AccountRegistry(store).accounts(), expected);
-
-    const int writes = store.writes;
-    registry.remove(u"nobody"_s);
-    QCOMPARE(registry.accounts(), expected);
-    QCOMPARE(store.writes, writes + 1);
-}
-
-void TestAccountRegistry::updateEditsTheFirstMatchOrNothing()
-{
-    FakePreferenceStore store;
-    AccountRegistry registry(store);
-    registry.add(makeAccount(u"A"_s));
-    registry.add(makeAccount(u"A"_s));
-    const int writes = store.writes;
-
-    registry.update(u"nobody"_s, [](CalendarAccount &) { QFAIL("there is nothing to edit"); });
-    QCOMPARE(store.writes, writes);
-
-    for (const auto &color : { u"#111111"_s, u"#222222"_s }) {
-        registry.update(
-            u"A"_s, [&](CalendarAccount &account) { account.calendarColorOverrides[u"primary"_s] = color; });
+    void addedAccountsSurviveARestart()
+    {
+        FakePreferenceStore store;
+        AccountRegistry registry(store);
+        QVERIFY(registry.accounts().isEmpty());
+        registry.add(makeAccount(u"A"_s));
+        registry.add(makeAccount(u"B"_s, {}));
+        QCOMPARE(AccountRegistry(store).accounts(), registry.accounts());
+        QVERIFY(!store.data(key)->contains("null"));
     }
-    QCOMPARE(registry.account(u"A"_s)->calendarColorOverrides.value(u"primary"_s), u"#222222"_s);
-    QCOMPARE(registry.accounts().at(1), makeAccount(u"A"_s));
 
-    // resetting what is not set is an edit like any other
-    registry.update(u"A"_s,
-                    [](CalendarAccount &account) { account.calendarColorOverrides.remove(u"other"_s); });
-    QCOMPARE(store.writes, writes + 3);
-}
+    void oneBadRecordLosesTheWholeList_data()
+    {
+        const QByteArray good = record(R"("meetLaunchMode":"tab",)");
+        QTest::addColumn<QVariant>("stored");
+        QTest::newRow("no launch mode") << QVariant('[' + good + ',' + record("") + ']');
+        QTest::newRow("record is no object") << QVariant('[' + good + ",7]");
+        QTest::newRow("no JSON") << QVariant(QByteArray("[{"));
+    }
 
-void TestAccountRegistry::editsAreAnnouncedBeforeTheyAreSaved()
-{
-    FakePreferenceStore store;
-    AccountRegistry registry(store);
-    QList<qsizetype> announced;
-    connect(&registry, &AccountRegistry::accountsChanged, this, [&] {
-        announced.append(registry.accounts().size());
-        QCOMPARE(store.writes, static_cast<int>(announced.size()) - 1);
-    });
-    registry.add(makeAccount(u"A"_s));
-    registry.remove(u"A"_s);
-    QCOMPARE(announced, (QList<qsizetype> { 1, 0 }));
-    QCOMPARE(store.writes, 2);
-}
+    void oneBadRecordLosesTheWholeList()
+    {
+        QFETCH(QVariant, stored);
+        FakePreferenceStore store;
+        store.values.insert(key, stored);
 
-void TestAccountRegistry::followsAnotherProcess_data()
-{
-    QTest::addColumn<QByteArray>("stored");
-    QTest::addColumn<QStringList>("ids");
-    QTest::addColumn<int>("announcements");
-    const QByteArray b = record(R"("meetLaunchMode":"tab",)");
-    QTest::newRow("another account") << QByteArray('[' + b + ']') << QStringList { u"B"_s } << 1;
-    QTest::newRow("none any more") << QByteArray("[]") << QStringList() << 1;
-    QTest::newRow("unreadable: what is known stays") << QByteArray("[{") << QStringList { u"A"_s } << 0;
-    QTest::newRow("the same list") << QByteArray() << QStringList { u"A"_s } << 0;
-}
+        AccountRegistry registry(store);
+        QVERIFY(registry.accounts().isEmpty());
+        QCOMPARE(store.values.value(key), stored);
 
-void TestAccountRegistry::followsAnotherProcess()
-{
-    QFETCH(QByteArray, stored);
-    QFETCH(QStringList, ids);
-    QFETCH(int, announcements);
-    FakePreferenceStore store;
-    AccountRegistry registry(store);
-    registry.add(makeAccount(u"A"_s));
+        registry.add(makeAccount(u"A"_s));
+        QCOMPARE(AccountRegistry(store).accounts(), QList { makeAccount(u"A"_s) });
+    }
 
-    const QSignalSpy announced(&registry, &AccountRegistry::accountsChanged);
-    const int writes = store.writes;
-    store.changeElsewhere(key, stored.isNull() ? store.values.value(key) : QVariant(stored));
-    QStringList found;
-    for (const CalendarAccount &account : registry.accounts())
-        found.append(account.id);
-    QCOMPARE(found, ids);
-    QCOMPARE(announced.count(), announcements);
-    QCOMPARE(store.writes, writes);
-}
+    void removeTakesEveryAccountOfTheIdentifier()
+    {
+        FakePreferenceStore store;
+        AccountRegistry registry(store);
+        for (const auto &id : { u"A"_s, u"B"_s, u"A"_s, u"C"_s })
+            registry.add(makeAccount(id));
+        registry.remove(u"A"_s);
+        const QList expected { makeAccount(u"B"_s), makeAccount(u"C"_s) };
+        QCOMPARE(registry.accounts(), expected);
+        QCOMPARE(AccountRegistry(store).accounts(), expected);
+    }
+
+    void updateEditsTheFirstMatchOrNothing()
+    {
+        FakePreferenceStore store;
+        AccountRegistry registry(store);
+        registry.add(makeAccount(u"A"_s));
+        registry.add(makeAccount(u"A"_s));
+        const int writes = store.writes;
+
+        registry.update(u"nobody"_s, [](CalendarAccount &) { QFAIL("there is nothing to edit"); });
+        QCOMPARE(store.writes, writes);
+
+        for (const auto &color : { u"#111111"_s, u"#222222"_s }) {
+            registry.update(u"A"_s, [&](CalendarAccount &account) {
+                account.calendarColorOverrides[u"primary"_s] = color;
+            });
+        }
+        QCOMPARE(registry.account(u"A"_s)->calendarColorOverrides.value(u"primary"_s), u"#222222"_s);
+        QCOMPARE(registry.accounts().at(1), makeAccount(u"A"_s));
+    }
+
+    void editsAreAnnouncedBeforeTheyAreSaved()
+    {
+        FakePreferenceStore store;
+        AccountRegistry registry(store);
+        QList<qsizetype> announced;
+        connect(&registry, &AccountRegistry::accountsChanged, this, [&] {
+            announced.append(registry.accounts().size());
+            QCOMPARE(store.writes, static_cast<int>(announced.size()) - 1);
+        });
+        registry.add(makeAccount(u"A"_s));
+        registry.remove(u"A"_s);
+        QCOMPARE(announced, (QList<qsizetype> { 1, 0 }));
+        QCOMPARE(store.writes, 2);
+    }
+
+    void followsAnotherProcess_data()
+    {
+        QTest::addColumn<QByteArray>("stored");
+        QTest::addColumn<QStringList>("ids");
+        QTest::addColumn<int>("announcements");
+        const QByteArray b = record(R"("meetLaunchMode":"tab",)");
+        QTest::newRow("another account") << QByteArray('[' + b + ']') << QStringList { u"B"_s } << 1;
+        QTest::newRow("unreadable: what is known stays") << QByteArray("[{") << QStringList { u"A"_s } << 0;
+        QTest::newRow("the same list") << QByteArray() << QStringList { u"A"_s } << 0;
+    }
+
+    void followsAnotherProcess()
+    {
+        QFETCH(QByteArray, stored);
+        QFETCH(QStringList, ids);
+        QFETCH(int, announcements);
+        FakePreferenceStore store;
+        AccountRegistry registry(store);
+        registry.add(makeAccount(u"A"_s));
+
+        const QSignalSpy announced(&registry, &AccountRegistry::accountsChanged);
+        const int writes = store.writes;
+        store.changeElsewhere(key, stored.isNull() ? store.values.value(key) : QVariant(stored));
+        QStringList found;
+        for (const CalendarAccount &account : registry.accounts())
+            found.append(account.id);
+        QCOMPARE(found, ids);
+        QCOMPARE(announced.count(), announcements);
+        QCOMPARE(store.writes, writes);
+    }
+};
 
 } // namespace kestrel
 

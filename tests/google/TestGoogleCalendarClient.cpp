@@ -55,256 +55,201 @@ class TestGoogleCalendarClient : public QObject
 {
     Q_OBJECT
 private Q_SLOTS:
-    void calendarIdentifiersAreEncodedForThePath_data();
-    void calendarIdentifiersAreEncodedForThePath();
-    void queriesHoldWhatWasAskedForInOrder_data();
-    void queriesHoldWhatWasAskedForInOrder();
-    void requestsCarryTokenAccountAndTimeout();
-    void answersEndAs_data();
-    void answersEndAs();
-    void calendarListHasNoFullSync();
-    void refusedTokenIsRefreshedOnce_data();
-    void refusedTokenIsRefreshedOnce();
-    void failedRefreshIsTheFailure();
-    void offlineReadsAskForNoTokenAndTheNewerTakesTheOldersPlace();
-    void answersThatComeTogetherAreDecodedOneATurn();
-};
-
-void TestGoogleCalendarClient::calendarIdentifiersAreEncodedForThePath_data()
-{
-    QTest::addColumn<QString>("calendarID");
-    QTest::addColumn<QByteArray>("encoded");
-    QTest::newRow("plain") << u"primary"_s << QByteArray("primary");
-    QTest::newRow("at sign stays") << u"ada@example.com"_s << QByteArray("ada@example.com");
-    QTest::newRow("number sign") << u"en.uk#holiday@group.example.com"_s
-                                 << QByteArray("en.uk%23holiday@group.example.com");
-    QTest::newRow("question mark") << u"who?me"_s << QByteArray("who%3Fme");
-    QTest::newRow("percent sign") << u"100%"_s << QByteArray("100%25");
-    QTest::newRow("what looks encoded already") << u"a%23b%2Fc"_s << QByteArray("a%2523b%252Fc");
-    QTest::newRow("slash stays") << u"a/b"_s << QByteArray("a/b");
-    QTest::newRow("all that a path allows")
-        << u"-._~!$&'()*+,;=:@/0Az"_s << QByteArray("-._~!$&'()*+,;=:@/0Az");
-    QTest::newRow("what it does not")
-        << u"a b\"<>[]\\^`{|}"_s << QByteArray("a%20b%22%3C%3E%5B%5D%5C%5E%60%7B%7C%7D");
-    QTest::newRow("beyond ASCII") << u"caf\u00e9"_s << QByteArray("caf%C3%A9");
-}
-
-void TestGoogleCalendarClient::calendarIdentifiersAreEncodedForThePath()
-{
-    QFETCH(QString, calendarID);
-    QFETCH(QByteArray, encoded);
-    Account account;
-    account.google.answerEvents(calendarID, {});
-    QVERIFY(QCoro::waitFor(account.client.events(calendarID, {}, {})));
-    QCOMPARE(account.google.transport.requests.size(), 1);
-    QCOMPARE(account.google.transport.requests.first().url.toEncoded(),
-             "https://calendar.example.com/calendar/v3/calendars/" + encoded
-                 + "/events?singleEvents=true&maxResults=250&orderBy=startTime");
-}
-
-void TestGoogleCalendarClient::queriesHoldWhatWasAskedForInOrder_data()
-{
-    QTest::addColumn<std::optional<Instant>>("timeMin");
-    QTest::addColumn<std::optional<Instant>>("timeMax");
-    QTest::addColumn<std::optional<QString>>("syncToken");
-    QTest::addColumn<QByteArray>("query");
-    const std::optional<Instant> none;
-    const std::optional<QString> noToken;
-    const auto early = parseInternetDateTime(u"2025-03-01T23:30:00.750-05:00");
-    const auto late = parseInternetDateTime(u"2025-03-03T00:00:00Z");
-    QTest::newRow("both bounds, in UTC without fraction")
-        << early << late << noToken
-        << QByteArray("&orderBy=startTime&timeMin=2025-03-02T04:30:00Z&timeMax=2025-03-03T00:00:00Z");
-    QTest::newRow("lower bound") << late << none << noToken
-                                 << QByteArray("&orderBy=startTime&timeMin=2025-03-03T00:00:00Z");
-    QTest::newRow("upper bound") << none << late << noToken
-                                 << QByteArray("&orderBy=startTime&timeMax=2025-03-03T00:00:00Z");
-    QTest::newRow("a sync token takes the bounds' place")
-        << early << late << std::optional(u"CPDA=="_s) << QByteArray("&syncToken=CPDA%3D%3D");
-    QTest::newRow("a sync token of reserved characters")
-        << none << none << std::optional(u"a+b&c=d#e%20/?"_s)
-        << QByteArray("&syncToken=a%2Bb%26c%3Dd%23e%2520%2F%3F");
-}
-
-void TestGoogleCalendarClient::queriesHoldWhatWasAskedForInOrder()
-{
-    QFETCH(std::optional<Instant>, timeMin);
-    QFETCH(std::optional<Instant>, timeMax);
-    QFETCH(std::optional<QString>, syncToken);
-    QFETCH(QByteArray, query);
-    Account account;
-    account.google.answerEvents(u"primary"_s, {});
-    QVERIFY(QCoro::waitFor(account.client.events(u"primary"_s, timeMin, timeMax, syncToken)));
-    QCOMPARE(
-        account.google.transport.requests.first().url.toEncoded(),
-        "https://calendar.example.com/calendar/v3/calendars/primary/events?singleEvents=true&maxResults=250"
-            + query);
-}
-
-void TestGoogleCalendarClient::requestsCarryTokenAccountAndTimeout()
-{
-    Account account;
-    auto &transport = account.google.transport;
-    transport.answer(u"/calendar/v3/users/me/calendarList"_s, 200,
-                     R"({"items":[{"id":"a","summary":"A","primary":true}]})");
-    const auto list = QCoro::waitFor(account.client.calendarList());
-    QVERIFY(list);
-    QCOMPARE(list->items.size(), 1);
-
-    const HttpRequest request = transport.requests.value(0);
-    QCOMPARE(request.url.toEncoded(),
-             "https://calendar.example.com/calendar/v3/users/me/calendarList?minAccessRole=reader");
-    QCOMPARE(request.method, "GET");
-    QVERIFY(request.body.isEmpty());
-    QCOMPARE(request.headers,
-             (QList<std::pair<QByteArray, QByteArray>> { { "Authorization", "Bearer token of A" },
-                                                         { "Accept", "application/json" } }));
-    QCOMPARE(request.timeout, 60s);
-    QCOMPARE(request.account, account.id);
-}
-
-void TestGoogleCalendarClient::answersEndAs_data()
-{
-    const auto kindOf = [](TransportError::Kind kind) {
-        return Answer { std::unexpected(TransportError { kind, u"what the network said"_s }) };
-    };
-    QTest::addColumn<Answer>("answer");
-    QTest::addColumn<QString>("description"); // of the failure; a final "…" stands for any ending
-    QTest::newRow("success") << Answer { http(200, noItems) } << QString();
-    QTest::newRow("any 2xx is a success") << Answer { http(299, noItems) } << QString();
-    QTest::newRow("410") << Answer { http(410) } << u"Full sync required (410)"_s;
-    QTest::newRow("500") << Answer { http(500) } << u"HTTP 500: the body"_s;
-    QTest::newRow("a redirect") << Answer { http(302, "") } << u"HTTP 302: "_s;
-    QTest::newRow("no HTTP") << Answer { HttpResponse { {}, "220 mail" } } << u"HTTP -1: 220 mail"_s;
-    QTest::newRow("a body that is no text") << Answer { http(503, "\xff\xfe") } << u"HTTP 503: "_s;
-    QTest::newRow("no items") << Answer { http(200, "{}") } << u"Decoding failed: …"_s;
-    QTest::newRow("too large") << kindOf(TransportError::Kind::AnswerTooLarge)
-                               << u"Decoding failed: answer too large"_s;
-    QTest::newRow("network") << kindOf(TransportError::Kind::Network)
-                             << description(AuthError(TransportError { TransportError::Kind::Network,
-                                                                       u"what the network said"_s }));
-    QTest::newRow("time-out") << kindOf(TransportError::Kind::Timeout)
-                              << description(AuthError(TransportError { TransportError::Kind::Timeout,
-                                                                        u"what the network said"_s }));
-}
-
-void TestGoogleCalendarClient::answersEndAs()
-{
-    QFETCH(Answer, answer);
-    QFETCH(QString, description);
-    Account account;
-    account.google.transport.answer(FakeGoogle::eventsPath(), answer.value);
-    const auto events = account.primaryEvents();
-    const QString found = events ? QString() : kestrel::description(events.error());
-    if (description.endsWith(u'…')) {
-        QVERIFY2(found.size() >= description.size() && found.startsWith(description.chopped(1)),
-                 qPrintable(found));
-    } else {
-        QCOMPARE(found, description);
+    void calendarIdentifiersAreEncodedForThePath()
+    {
+        const QString calendarID = u"en.uk#holiday@group -._~!$&'()*+,;=:@/0Az?a%23b\"[]^é"_s;
+        Account account;
+        account.google.answerEvents(calendarID, {});
+        QVERIFY(QCoro::waitFor(account.client.events(calendarID, {}, {})));
+        QCOMPARE(account.google.transport.requests.value(0).url.toEncoded(),
+                 "https://calendar.example.com/calendar/v3/calendars/"
+                 "en.uk%23holiday@group%20-._~!$&'()*+,;=:@/0Az%3Fa%2523b%22%5B%5D%5E%C3%A9"
+                 "/events?singleEvents=true&maxResults=250&orderBy=startTime");
     }
-    QCOMPARE(account.google.transport.requests.size(), 1);
-}
 
-void TestGoogleCalendarClient::calendarListHasNoFullSync()
-{
-    Account account;
-    account.google.transport.answer(u"/calendar/v3/users/me/calendarList"_s, 410, "gone");
-    const auto list = QCoro::waitFor(account.client.calendarList());
-    QCOMPARE(description(list.error()), u"HTTP 410: gone"_s);
-}
+    void queriesHoldWhatWasAskedForInOrder_data()
+    {
+        QTest::addColumn<std::optional<Instant>>("timeMin");
+        QTest::addColumn<std::optional<Instant>>("timeMax");
+        QTest::addColumn<std::optional<QString>>("syncToken");
+        QTest::addColumn<QByteArray>("query");
+        const std::optional<Instant> none;
+        const std::optional<QString> noToken;
+        const auto early = parseInternetDateTime(u"2025-03-01T23:30:00.750-05:00");
+        const auto late = parseInternetDateTime(u"2025-03-03T00:00:00Z");
+        QTest::newRow("both bounds, in UTC without fraction")
+            << early << late << noToken
+            << QByteArray("&orderBy=startTime&timeMin=2025-03-02T04:30:00Z&timeMax=2025-03-03T00:00:00Z");
+        QTest::newRow("lower bound") << late << none << noToken
+                                     << QByteArray("&orderBy=startTime&timeMin=2025-03-03T00:00:00Z");
+        QTest::newRow("a sync token takes the bounds' place")
+            << early << late << std::optional(u"a+b&c=d#e%20/?"_s)
+            << QByteArray("&syncToken=a%2Bb%26c%3Dd%23e%2520%2F%3F");
+    }
 
-void TestGoogleCalendarClient::refusedTokenIsRefreshedOnce_data()
-{
-    QTest::addColumn<Answer>("second");
-    QTest::addColumn<QString>("description");
-    QTest::newRow("then accepted") << Answer { http(200, noItems) } << QString();
-    QTest::newRow("then refused again") << Answer { http(401) } << u"HTTP 401: the body"_s;
-    QTest::newRow("then something else") << Answer { http(410) } << u"Full sync required (410)"_s;
-}
+    void queriesHoldWhatWasAskedForInOrder()
+    {
+        QFETCH(std::optional<Instant>, timeMin);
+        QFETCH(std::optional<Instant>, timeMax);
+        QFETCH(std::optional<QString>, syncToken);
+        QFETCH(QByteArray, query);
+        Account account;
+        account.google.answerEvents(u"primary"_s, {});
+        QVERIFY(QCoro::waitFor(account.client.events(u"primary"_s, timeMin, timeMax, syncToken)));
+        QCOMPARE(account.google.transport.requests.first().url.toEncoded(),
+                 "https://calendar.example.com/calendar/v3/calendars/primary/"
+                 "events?singleEvents=true&maxResults=250"
+                     + query);
+    }
 
-void TestGoogleCalendarClient::refusedTokenIsRefreshedOnce()
-{
-    QFETCH(Answer, second);
-    QFETCH(QString, description);
-    Account account;
-    auto &transport = account.google.transport;
-    transport.answer(FakeGoogle::eventsPath(), http(401, "first"));
-    transport.answer(FakeGoogle::eventsPath(), second.value);
-    transport.answer(u"/token"_s, 200, R"({"access_token":"fresh","expires_in":3600})");
+    void requestsCarryTokenAccountAndTimeout()
+    {
+        Account account;
+        auto &transport = account.google.transport;
+        transport.answer(u"/calendar/v3/users/me/calendarList"_s, 200,
+                         R"({"items":[{"id":"a","summary":"A","primary":true}]})");
+        const auto list = QCoro::waitFor(account.client.calendarList());
+        QVERIFY(list);
+        QCOMPARE(list->items.size(), 1);
 
-    const auto events = account.primaryEvents();
-    QCOMPARE(events ? QString() : kestrel::description(events.error()), description);
-    QCOMPARE(transport.requestsTo(u"/token"_s), 1);
-    QCOMPARE(transport.requestsTo(FakeGoogle::eventsPath()), 2);
-    QCOMPARE(transport.requests.last().headers.first().second, "Bearer fresh");
-}
+        const HttpRequest request = transport.requests.value(0);
+        QCOMPARE(request.url.toEncoded(),
+                 "https://calendar.example.com/calendar/v3/users/me/calendarList?minAccessRole=reader");
+        QCOMPARE(request.method, "GET");
+        QVERIFY(request.body.isEmpty());
+        QCOMPARE(request.headers,
+                 (QList<std::pair<QByteArray, QByteArray>> { { "Authorization", "Bearer token of A" },
+                                                             { "Accept", "application/json" } }));
+        QCOMPARE(request.timeout, 60s);
+        QCOMPARE(request.account, account.id);
+    }
 
-void TestGoogleCalendarClient::failedRefreshIsTheFailure()
-{
-    Account account;
-    auto &transport = account.google.transport;
-    transport.answer(FakeGoogle::eventsPath(), http(401));
-    transport.answer(u"/token"_s, 503, "busy");
-    const auto events = account.primaryEvents();
-    QCOMPARE(description(events.error()), u"Refresh failed (503): busy"_s);
-    QCOMPARE(transport.requestsTo(FakeGoogle::eventsPath()), 1);
-}
+    void answersEndAs_data()
+    {
+        const auto kindOf = [](TransportError::Kind kind) {
+            return Answer { std::unexpected(TransportError { kind, u"what the network said"_s }) };
+        };
+        QTest::addColumn<Answer>("answer");
+        QTest::addColumn<QString>("description"); // of the failure; a final "…" stands for any ending
+        QTest::newRow("success") << Answer { http(200, noItems) } << QString();
+        QTest::newRow("410") << Answer { http(410) } << u"Full sync required (410)"_s;
+        QTest::newRow("no HTTP") << Answer { HttpResponse { {}, "220 mail" } } << u"HTTP -1: 220 mail"_s;
+        QTest::newRow("a body that is no text") << Answer { http(503, "\xff\xfe") } << u"HTTP 503: "_s;
+        QTest::newRow("no items") << Answer { http(200, "{}") } << u"Decoding failed: …"_s;
+        QTest::newRow("too large") << kindOf(TransportError::Kind::AnswerTooLarge)
+                                   << u"Decoding failed: answer too large"_s;
+        QTest::newRow("network") << kindOf(TransportError::Kind::Network)
+                                 << description(AuthError(TransportError { TransportError::Kind::Network,
+                                                                           u"what the network said"_s }));
+    }
 
-void TestGoogleCalendarClient::offlineReadsAskForNoTokenAndTheNewerTakesTheOldersPlace()
-{
-    Account account;
-    FakeGoogle::settle(); // the sign-in has read its refresh token
-    auto &google = account.google;
-    google.answerEvents(u"primary"_s, { { u"e"_s } });
-    google.transport.setOnline(false);
-    const auto calls = google.secrets.calls;
+    void answersEndAs()
+    {
+        QFETCH(Answer, answer);
+        QFETCH(QString, description);
+        Account account;
+        account.google.transport.answer(FakeGoogle::eventsPath(), answer.value);
+        const auto events = account.primaryEvents();
+        const QString found = events ? QString() : kestrel::description(events.error());
+        if (description.endsWith(u'…')) {
+            QVERIFY2(found.size() >= description.size() && found.startsWith(description.chopped(1)),
+                     qPrintable(found));
+        } else {
+            QCOMPARE(found, description);
+        }
+        QCOMPARE(account.google.transport.requests.size(), 1);
+    }
 
-    auto older = account.client.events(u"primary"_s, {}, {});
-    auto other = account.client.events(u"team"_s, {}, {});
-    auto newer = account.client.events(u"primary"_s, {}, {});
-    const auto olderEnd = QCoro::waitFor(older);
-    QVERIFY(!olderEnd);
-    QVERIFY(isSuperseded(olderEnd.error()));
-    QCOMPARE(google.transport.waiting, 2);
-    QVERIFY(!newer.isReady());
-    QVERIFY(!other.isReady());
-    QCOMPARE(google.secrets.calls, calls);
-    QVERIFY(google.transport.requests.isEmpty());
+    void refusedTokenIsRefreshedOnce_data()
+    {
+        QTest::addColumn<Answer>("second");
+        QTest::addColumn<QString>("description");
+        QTest::newRow("then accepted") << Answer { http(200, noItems) } << QString();
+        QTest::newRow("then refused again") << Answer { http(401) } << u"HTTP 401: the body"_s;
+        QTest::newRow("then something else") << Answer { http(410) } << u"Full sync required (410)"_s;
+    }
 
-    google.transport.setOnline(true);
-    const auto newerEnd = QCoro::waitFor(newer);
-    QVERIFY(newerEnd);
-    QCOMPARE(newerEnd->items.size(), 1);
-    const auto otherEnd = QCoro::waitFor(other);
-    QVERIFY(!otherEnd);
-    QVERIFY(!isSuperseded(otherEnd.error()));
-}
+    void refusedTokenIsRefreshedOnce()
+    {
+        QFETCH(Answer, second);
+        QFETCH(QString, description);
+        Account account;
+        auto &transport = account.google.transport;
+        transport.answer(FakeGoogle::eventsPath(), http(401, "first"));
+        transport.answer(FakeGoogle::eventsPath(), second.value);
+        transport.answer(u"/token"_s, 200, R"({"access_token":"fresh","expires_in":3600})");
 
-void TestGoogleCalendarClient::answersThatComeTogetherAreDecodedOneATurn()
-{
-    constexpr int pages = 6;
-    Account account;
-    auto &google = account.google;
-    google.answerEvents(u"primary"_s, { { u"e"_s } });
-    google.transport.hold();
-    int done = 0;
-    std::vector<QCoro::Task<void>> reads;
-    reads.reserve(pages);
-    for (int page = 0; page < pages; ++page)
-        reads.push_back(countWhenDone(account.client.events(u"primary"_s, {}, {}), done));
+        const auto events = account.primaryEvents();
+        QCOMPARE(events ? QString() : kestrel::description(events.error()), description);
+        QCOMPARE(transport.requestsTo(u"/token"_s), 1);
+        QCOMPARE(transport.requestsTo(FakeGoogle::eventsPath()), 2);
+        QCOMPARE(transport.requests.last().headers.first().second, "Bearer fresh");
+    }
 
-    int doneBefore = 0;
-    int mostInOneTurn = 0;
-    QTimer everyTurn;
-    connect(&everyTurn, &QTimer::timeout, this, [&] {
-        mostInOneTurn = std::max(mostInOneTurn, done - doneBefore);
-        doneBefore = done;
-    });
-    everyTurn.start(0);
-    google.transport.release();
-    QTRY_COMPARE(doneBefore, pages);
-    QCOMPARE(mostInOneTurn, 1);
-}
+    void failedRefreshIsTheFailure()
+    {
+        Account account;
+        account.google.transport.answer(FakeGoogle::eventsPath(), http(401));
+        account.google.transport.answer(u"/token"_s, 503, "busy");
+        QCOMPARE(description(account.primaryEvents().error()), u"Refresh failed (503): busy"_s);
+    }
+
+    void offlineReadsAskForNoTokenAndTheNewerTakesTheOldersPlace()
+    {
+        Account account;
+        FakeGoogle::settle(); // the sign-in has read its refresh token
+        auto &google = account.google;
+        google.answerEvents(u"primary"_s, { { u"e"_s } });
+        google.transport.setOnline(false);
+        const auto calls = google.secrets.calls;
+
+        auto older = account.client.events(u"primary"_s, {}, {});
+        auto other = account.client.events(u"team"_s, {}, {});
+        auto newer = account.client.events(u"primary"_s, {}, {});
+        const auto olderEnd = QCoro::waitFor(older);
+        QVERIFY(!olderEnd);
+        QVERIFY(isSuperseded(olderEnd.error()));
+        QCOMPARE(google.transport.waiting, 2);
+        QVERIFY(!newer.isReady());
+        QVERIFY(!other.isReady());
+        QCOMPARE(google.secrets.calls, calls);
+        QVERIFY(google.transport.requests.isEmpty());
+
+        google.transport.setOnline(true);
+        const auto newerEnd = QCoro::waitFor(newer);
+        QVERIFY(newerEnd);
+        QCOMPARE(newerEnd->items.size(), 1);
+        const auto otherEnd = QCoro::waitFor(other);
+        QVERIFY(!otherEnd);
+        QVERIFY(!isSuperseded(otherEnd.error()));
+    }
+
+    void answersThatComeTogetherAreDecodedOneATurn()
+    {
+        constexpr int pages = 6;
+        Account account;
+        auto &google = account.google;
+        google.answerEvents(u"primary"_s, { { u"e"_s } });
+        google.transport.hold();
+        int done = 0;
+        std::vector<QCoro::Task<void>> reads;
+        reads.reserve(pages);
+        for (int page = 0; page < pages; ++page)
+            reads.push_back(countWhenDone(account.client.events(u"primary"_s, {}, {}), done));
+
+        int doneBefore = 0;
+        int mostInOneTurn = 0;
+        QTimer everyTurn;
+        connect(&everyTurn, &QTimer::timeout, this, [&] {
+            mostInOneTurn = std::max(mostInOneTurn, done - doneBefore);
+            doneBefore = done;
+        });
+        everyTurn.start(0);
+        google.transport.release();
+        QTRY_COMPARE(doneBefore, pages);
+        QCOMPARE(mostInOneTurn, 1);
+    }
+};
 
 } // namespace kestrel
 

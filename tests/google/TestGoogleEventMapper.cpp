@@ -43,256 +43,216 @@ class TestGoogleEventMapper final : public QObject
 {
     Q_OBJECT
 private Q_SLOTS:
-    void fillsInAMeeting();
-    void dropsWhatIsNoMeeting_data();
-    void dropsWhatIsNoMeeting();
-    void cleansTheTitle_data();
-    void cleansTheTitle();
-    void findsLinkPlatformAndPlace_data();
-    void findsLinkPlatformAndPlace();
-    void choosesTheConferenceLink_data();
-    void choosesTheConferenceLink();
-    void takesOnlyHttpsForTheEventsPage_data();
-    void takesOnlyHttpsForTheEventsPage();
-    void identifiesAttendees();
+    void fillsInAMeeting()
+    {
+        Google::Event event = plainEvent();
+        event.status = u"tentative"_s;
+        event.summary = u"Talk"_s;
+        event.location = u"Room 5"_s;
+        event.htmlLink = u"https://calendar.example.org/e1"_s;
+        event.attendees.emplace().append({ .email = u"ana@example.com"_s,
+                                           .displayName = u"Ana"_s,
+                                           .responseStatus = u"Declined"_s,
+                                           .organizer = true,
+                                           .self = {} });
+        event.organizer.emplace().email = u"ana@example.com"_s;
+        event.hangoutLink = u"https://meet.google.com/abc-defg-hij"_s;
+        const GoogleEventMapper::Origin origin { .accountID = u"a1"_s,
+                                                 .calendarID = u"team@example.com"_s,
+                                                 .calendarColorHex = u"#4986e7"_s,
+                                                 .accountEmail = u"bruno@example.com"_s,
+                                                 .launchMode = MeetLaunchMode::Popup };
+
+        Meeting expected;
+        expected.id = u"a1:e1"_s;
+        expected.accountID = u"a1"_s;
+        expected.providerID = u"google"_s;
+        expected.calendarID = u"team@example.com"_s;
+        expected.title = u"Talk"_s;
+        expected.start = Instant(std::chrono::hours(483'000));
+        expected.end = Instant(std::chrono::hours(483'001));
+        expected.location = u"Room 5"_s;
+        expected.attendees.append({ .id = u"ana@example.com"_s,
+                                    .email = u"ana@example.com"_s,
+                                    .displayName = u"Ana"_s,
+                                    .response = Attendee::Response::Declined,
+                                    .isOrganizer = true,
+                                    .isSelf = false });
+        expected.meetingURL = QUrl(u"https://meet.google.com/abc-defg-hij"_s);
+        expected.platform = MeetingPlatform::Kind::GoogleMeet;
+        expected.organizerEmail = u"ana@example.com"_s;
+        expected.canonicalURL = QUrl(u"https://calendar.example.org/e1"_s);
+        expected.calendarColorHex = u"#4986e7"_s;
+        expected.accountEmail = u"bruno@example.com"_s;
+        expected.accountMeetLaunchMode = MeetLaunchMode::Popup;
+        QVERIFY(GoogleEventMapper().map(event, origin) == expected);
+    }
+
+    void dropsWhatIsNoMeeting_data()
+    {
+        QTest::addColumn<Change>("change");
+        QTest::addColumn<bool>("isMeeting");
+        const auto row = [](const char *name, bool isMeeting, Change change) {
+            QTest::newRow(name) << change << isMeeting;
+        };
+        row("cancelled in capitals", false, [](Google::Event &e) { e.status = u"Cancelled"_s; });
+        row("nearly cancelled", true, [](Google::Event &e) { e.status = u"cancelled "_s; });
+        row("all day", false, [](Google::Event &e) {
+            e.start = Google::DateTime { .dateTime = {}, .date = u"2025-03-01"_s, .timeZone = {} };
+            e.end = Google::DateTime { .dateTime = {}, .date = u"2025-03-02"_s, .timeZone = {} };
+        });
+        row("the end without a time", false, [](Google::Event &e) { e.end->dateTime.reset(); });
+        row("ends before it starts", true, [](Google::Event &e) { std::swap(e.start, e.end); });
+        row("declined by the user", true, [](Google::Event &e) {
+            e.attendees.emplace().append({ .email = u"ana@example.com"_s,
+                                           .displayName = {},
+                                           .responseStatus = u"declined"_s,
+                                           .organizer = {},
+                                           .self = true });
+        });
+    }
+
+    void dropsWhatIsNoMeeting()
+    {
+        QFETCH(const Change, change);
+        Google::Event event = plainEvent();
+        change(event);
+        QTEST(map(event).has_value(), "isMeeting");
+    }
+
+    void cleansTheTitle_data()
+    {
+        QTest::addColumn<std::optional<QString>>("summary");
+        QTest::addColumn<QString>("title");
+        const auto row = [](const char *name, const std::optional<QString> &summary, const QString &title) {
+            QTest::newRow(name) << summary << title;
+        };
+        const QString untitled = u"meeting.untitled"_s;
+        const QString long140 = u"x"_s.repeated(139) + u"🎉"_s;
+        row("absent", {}, untitled);
+        row("spaces and controls", u" \t\n\u0007\u200b\u2003 "_s, untitled);
+        row("line breaks vanish", u"a\nb"_s, u"ab"_s);
+        row("141", long140 + u"y"_s, long140);
+        row("140 with accents", u"e\u0301"_s.repeated(141), u"e\u0301"_s.repeated(140));
+        row("trimmed before it is cut, not after", u" "_s + u"x"_s.repeated(139) + u" yz"_s,
+            u"x"_s.repeated(139) + u" "_s);
+    }
+
+    void cleansTheTitle()
+    {
+        QFETCH(const std::optional<QString>, summary);
+        Google::Event event = plainEvent();
+        event.summary = summary;
+        QTEST(map(event)->title, "title");
+    }
+
+    void findsLinkPlatformAndPlace_data()
+    {
+        QTest::addColumn<std::optional<QString>>("description");
+        QTest::addColumn<std::optional<QString>>("location");
+        QTest::addColumn<QString>("found");
+        const auto row = [](const char *name, const std::optional<QString> &description,
+                            const std::optional<QString> &location, const QString &found) {
+            QTest::newRow(name) << description << location << found;
+        };
+        row("nothing", {}, {}, u"other:platform.unknown, no link, no place"_s);
+        row("a place", {}, u" Room 5\n"_s, u"inPerson, no link, [Room 5]"_s);
+        row("an escaped link for a place", {}, u" https://talk.example.org/?a&amp;b"_s,
+            u"other:talk.example.org, https://talk.example.org/?a&b, no place"_s);
+        row("a place with a link in it", {}, u"Room 5, https://a.zoom.us/j/1"_s,
+            u"zoom, https://a.zoom.us/j/1, [Room 5, https://a.zoom.us/j/1]"_s);
+        row("the description's link and another for a place", u"https://a.zoom.us/j/1"_s,
+            u"https://talk.example.org/r"_s, u"zoom, https://a.zoom.us/j/1, no place"_s);
+        row("http is neither link nor no place", {}, u"http://talk.example.org/"_s,
+            u"inPerson, no link, [http://talk.example.org/]"_s);
+        row("not trimmed again", {}, u"\u200b Room 5"_s, u"inPerson, no link, [ Room 5]"_s);
+        row("201 characters", {}, u"é"_s.repeated(201),
+            u"inPerson, no link, ["_s + u"é"_s.repeated(200) + u"]"_s);
+    }
+
+    void findsLinkPlatformAndPlace()
+    {
+        QFETCH(const std::optional<QString>, description);
+        QFETCH(const std::optional<QString>, location);
+        Google::Event event = plainEvent();
+        event.description = description;
+        event.location = location;
+        QTEST(shown(map(event).value()), "found");
+    }
+
+    void choosesTheConferenceLink_data()
+    {
+        QTest::addColumn<std::optional<QList<Google::EntryPoint>>>("entryPoints");
+        QTest::addColumn<std::optional<QString>>("hangout");
+        QTest::addColumn<QString>("link");
+        const auto row = [](const char *name, const std::optional<QList<Google::EntryPoint>> &entryPoints,
+                            const std::optional<QString> &hangout,
+                            const QString &link) { QTest::newRow(name) << entryPoints << hangout << link; };
+        const QString meet = u"https://meet.google.com/aaa-aaaa-aaa"_s;
+        const QString webex = u"https://acme.webex.com/meet/ana"_s;
+        const QString teams = u"https://teams.live.com/meet/1"_s;
+        const QString fromText = u"https://a.zoom.us/j/1"_s;
+        using Entries = QList<Google::EntryPoint>;
+        const auto phone = entryPoint(u"phone"_s, u"https://meet.google.com/bbb-bbbb-bbb"_s);
+        row("the first video entry",
+            Entries { phone, entryPoint(u"Video"_s, webex), entryPoint(u"video"_s, teams) }, meet, webex);
+        row("no video entry", Entries { phone, entryPoint({}, teams) }, meet, meet);
+        row("an empty video entry stops the search",
+            Entries { entryPoint(u"video"_s, u""_s), entryPoint(u"video"_s, webex) }, meet, meet);
+        row("an empty hangout link", {}, u""_s, fromText);
+        row("off the allowlist", Entries { entryPoint(u"video"_s, u"https://talk.example.org/r"_s) }, meet,
+            fromText);
+        row("http", Entries { entryPoint(u"video"_s, u"http://meet.google.com/aaa-aaaa-aaa"_s) }, {},
+            fromText);
+    }
+
+    void choosesTheConferenceLink()
+    {
+        QFETCH(const std::optional<QList<Google::EntryPoint>>, entryPoints);
+        QFETCH(const std::optional<QString>, hangout);
+        QFETCH(const QString, link);
+        Google::Event event = plainEvent();
+        event.description = u"https://a.zoom.us/j/1"_s;
+        event.conferenceData.emplace().entryPoints = entryPoints;
+        event.hangoutLink = hangout;
+        const Meeting meeting = map(event).value();
+        QCOMPARE(meeting.meetingURL, QUrl(link));
+        QCOMPARE(meeting.platform, classifyPlatform(QUrl(link)));
+    }
+
+    void takesOnlyHttpsForTheEventsPage()
+    {
+        Google::Event event = plainEvent();
+        event.htmlLink = u"HTTPS://calendar.example.org/?eid=1"_s;
+        QCOMPARE(map(event)->canonicalURL, QUrl(u"https://calendar.example.org/?eid=1"_s));
+        for (const auto &refused : { u"http://calendar.example.org/"_s, u"javascript:alert(1)"_s,
+                                     u"https://calendar.example.org/%zz"_s, u""_s }) {
+            event.htmlLink = refused;
+            QVERIFY2(!map(event)->canonicalURL, qPrintable(refused));
+        }
+    }
+
+    void identifiesAttendees()
+    {
+        Google::Event event = plainEvent();
+        QList<Google::Attendee> &attendees = event.attendees.emplace();
+        attendees.resize(4);
+        attendees[0].email = u"ana@example.com"_s;
+        attendees[0].displayName = u"Ana"_s;
+        attendees[1].displayName = u"Bruno"_s;
+        attendees[2].email = u""_s;
+
+        const Meeting first = map(event).value();
+        const Meeting second = map(event).value();
+        QCOMPARE(first.attendees.size(), 4);
+        QCOMPARE(first.attendees[0].id, u"ana@example.com"_s);
+        QCOMPARE(first.attendees[1].id, u"Bruno"_s);
+        QCOMPARE(first.attendees[2].id, u""_s);
+        QVERIFY(!first.attendees[3].id.isEmpty());
+        QVERIFY(first.attendees[3].id != second.attendees[3].id);
+        QVERIFY(first != second);
+    }
 };
-
-void TestGoogleEventMapper::fillsInAMeeting()
-{
-    Google::Event event = plainEvent();
-    event.status = u"tentative"_s;
-    event.summary = u"Talk"_s;
-    event.location = u"Room 5"_s;
-    event.htmlLink = u"https://calendar.example.org/e1"_s;
-    event.attendees.emplace().append({ .email = u"ana@example.com"_s,
-                                       .displayName = u"Ana"_s,
-                                       .responseStatus = u"Declined"_s,
-                                       .organizer = true,
-                                       .self = {} });
-    event.organizer.emplace().email = u"ana@example.com"_s;
-    event.hangoutLink = u"https://meet.google.com/abc-defg-hij"_s;
-    const GoogleEventMapper::Origin origin { .accountID = u"a1"_s,
-                                             .calendarID = u"team@example.com"_s,
-                                             .calendarColorHex = u"#4986e7"_s,
-                                             .accountEmail = u"bruno@example.com"_s,
-                                             .launchMode = MeetLaunchMode::Popup };
-
-    Meeting expected;
-    expected.id = u"a1:e1"_s;
-    expected.accountID = u"a1"_s;
-    expected.providerID = u"google"_s;
-    expected.calendarID = u"team@example.com"_s;
-    expected.title = u"Talk"_s;
-    expected.start = Instant(std::chrono::hours(483'000));
-    expected.end = Instant(std::chrono::hours(483'001));
-    expected.location = u"Room 5"_s;
-    expected.attendees.append({ .id = u"ana@example.com"_s,
-                                .email = u"ana@example.com"_s,
-                                .displayName = u"Ana"_s,
-                                .response = Attendee::Response::Declined,
-                                .isOrganizer = true,
-                                .isSelf = false });
-    expected.meetingURL = QUrl(u"https://meet.google.com/abc-defg-hij"_s);
-    expected.platform = MeetingPlatform::Kind::GoogleMeet;
-    expected.organizerEmail = u"ana@example.com"_s;
-    expected.canonicalURL = QUrl(u"https://calendar.example.org/e1"_s);
-    expected.calendarColorHex = u"#4986e7"_s;
-    expected.accountEmail = u"bruno@example.com"_s;
-    expected.accountMeetLaunchMode = MeetLaunchMode::Popup;
-    QVERIFY(GoogleEventMapper().map(event, origin) == expected);
-}
-
-void TestGoogleEventMapper::dropsWhatIsNoMeeting_data()
-{
-    QTest::addColumn<Change>("change");
-    QTest::addColumn<bool>("isMeeting");
-    const auto row = [](const char *name, bool isMeeting, Change change) {
-        QTest::newRow(name) << change << isMeeting;
-    };
-    row("plain", true, [](Google::Event &) { });
-    row("cancelled", false, [](Google::Event &e) { e.status = u"cancelled"_s; });
-    row("cancelled in capitals", false, [](Google::Event &e) { e.status = u"Cancelled"_s; });
-    row("nearly cancelled", true, [](Google::Event &e) { e.status = u"cancelled "_s; });
-    row("no start", false, [](Google::Event &e) { e.start.reset(); });
-    row("no end", false, [](Google::Event &e) { e.end.reset(); });
-    row("all day", false, [](Google::Event &e) {
-        e.start = Google::DateTime { .dateTime = {}, .date = u"2025-03-01"_s, .timeZone = {} };
-        e.end = Google::DateTime { .dateTime = {}, .date = u"2025-03-02"_s, .timeZone = {} };
-    });
-    row("the end without a time", false, [](Google::Event &e) { e.end->dateTime.reset(); });
-    row("ends before it starts", true, [](Google::Event &e) { std::swap(e.start, e.end); });
-    row("declined by the user", true, [](Google::Event &e) {
-        e.attendees.emplace().append({ .email = u"ana@example.com"_s,
-                                       .displayName = {},
-                                       .responseStatus = u"declined"_s,
-                                       .organizer = {},
-                                       .self = true });
-    });
-}
-
-void TestGoogleEventMapper::dropsWhatIsNoMeeting()
-{
-    QFETCH(const Change, change);
-    Google::Event event = plainEvent();
-    change(event);
-    QTEST(map(event).has_value(), "isMeeting");
-}
-
-void TestGoogleEventMapper::cleansTheTitle_data()
-{
-    QTest::addColumn<std::optional<QString>>("summary");
-    QTest::addColumn<QString>("title");
-    const auto row = [](const char *name, const std::optional<QString> &summary, const QString &title) {
-        QTest::newRow(name) << summary << title;
-    };
-    const QString untitled = u"meeting.untitled"_s;
-    const QString long140 = u"x"_s.repeated(139) + u"🎉"_s;
-    row("absent", {}, untitled);
-    row("empty", u""_s, untitled);
-    row("spaces and controls", u" \t\n\u0007\u200b\u2003 "_s, untitled);
-    row("trimmed behind what is invisible", u"\u200b Talk\n\u2060 "_s, u"Talk"_s);
-    row("line breaks vanish", u"a\nb"_s, u"ab"_s);
-    row("140", long140, long140);
-    row("141", long140 + u"y"_s, long140);
-    row("140 with accents", u"e\u0301"_s.repeated(141), u"e\u0301"_s.repeated(140));
-    row("trimmed before it is cut, not after", u" "_s + u"x"_s.repeated(139) + u" yz"_s,
-        u"x"_s.repeated(139) + u" "_s);
-}
-
-void TestGoogleEventMapper::cleansTheTitle()
-{
-    QFETCH(const std::optional<QString>, summary);
-    Google::Event event = plainEvent();
-    event.summary = summary;
-    QTEST(map(event)->title, "title");
-}
-
-void TestGoogleEventMapper::findsLinkPlatformAndPlace_data()
-{
-    QTest::addColumn<std::optional<QString>>("description");
-    QTest::addColumn<std::optional<QString>>("location");
-    QTest::addColumn<QString>("found");
-    const auto row = [](const char *name, const std::optional<QString> &description,
-                        const std::optional<QString> &location,
-                        const QString &found) { QTest::newRow(name) << description << location << found; };
-    row("nothing", {}, {}, u"other:platform.unknown, no link, no place"_s);
-    row("a place", {}, u" Room 5\n"_s, u"inPerson, no link, [Room 5]"_s);
-    row("only spaces", {}, u" \n"_s, u"other:platform.unknown, no link, no place"_s);
-    row("a link for a place", {}, u"https://talk.example.org/r"_s,
-        u"other:talk.example.org, https://talk.example.org/r, no place"_s);
-    row("an escaped link for a place", {}, u" https://talk.example.org/?a&amp;b"_s,
-        u"other:talk.example.org, https://talk.example.org/?a&b, no place"_s);
-    row("a place with a link in it", {}, u"Room 5, https://a.zoom.us/j/1"_s,
-        u"zoom, https://a.zoom.us/j/1, [Room 5, https://a.zoom.us/j/1]"_s);
-    row("the description's link and a place", u"<b>https://a.zoom.us/j/1</b>"_s, u"Room 5"_s,
-        u"zoom, https://a.zoom.us/j/1, [Room 5]"_s);
-    row("the description's link and another for a place", u"https://a.zoom.us/j/1"_s,
-        u"https://talk.example.org/r"_s, u"zoom, https://a.zoom.us/j/1, no place"_s);
-    row("http is neither link nor no place", {}, u"http://talk.example.org/"_s,
-        u"inPerson, no link, [http://talk.example.org/]"_s);
-    row("a place of invisible characters", {}, u"\u200b\u2060"_s, u"inPerson, no link, []"_s);
-    row("not trimmed again", {}, u"\u200b Room 5"_s, u"inPerson, no link, [ Room 5]"_s);
-    row("200 characters", {}, u"é"_s.repeated(200),
-        u"inPerson, no link, ["_s + u"é"_s.repeated(200) + u"]"_s);
-    row("201 characters", {}, u"é"_s.repeated(201),
-        u"inPerson, no link, ["_s + u"é"_s.repeated(200) + u"]"_s);
-}
-
-void TestGoogleEventMapper::findsLinkPlatformAndPlace()
-{
-    QFETCH(const std::optional<QString>, description);
-    QFETCH(const std::optional<QString>, location);
-    Google::Event event = plainEvent();
-    event.description = description;
-    event.location = location;
-    QTEST(shown(map(event).value()), "found");
-}
-
-void TestGoogleEventMapper::choosesTheConferenceLink_data()
-{
-    QTest::addColumn<std::optional<QList<Google::EntryPoint>>>("entryPoints");
-    QTest::addColumn<std::optional<QString>>("hangout");
-    QTest::addColumn<QString>("link");
-    const auto row = [](const char *name, const std::optional<QList<Google::EntryPoint>> &entryPoints,
-                        const std::optional<QString> &hangout,
-                        const QString &link) { QTest::newRow(name) << entryPoints << hangout << link; };
-    const QString meet = u"https://meet.google.com/aaa-aaaa-aaa"_s;
-    const QString webex = u"https://acme.webex.com/meet/ana"_s;
-    const QString teams = u"https://teams.live.com/meet/1"_s;
-    const QString fromText = u"https://a.zoom.us/j/1"_s;
-    using Entries = QList<Google::EntryPoint>;
-    const auto phone = entryPoint(u"phone"_s, u"https://meet.google.com/bbb-bbbb-bbb"_s);
-    row("the first video entry",
-        Entries { phone, entryPoint(u"Video"_s, webex), entryPoint(u"video"_s, teams) }, meet, webex);
-    row("no video entry", Entries { phone, entryPoint({}, teams) }, meet, meet);
-    row("an empty video entry stops the search",
-        Entries { entryPoint(u"video"_s, u""_s), entryPoint(u"video"_s, webex) }, meet, meet);
-    row("a video entry without a link does too",
-        Entries { entryPoint(u"video"_s, {}), entryPoint(u"video"_s, webex) }, meet, meet);
-    row("no list of entries", {}, meet, meet);
-    row("an empty hangout link", {}, u""_s, fromText);
-    row("off the allowlist", Entries { entryPoint(u"video"_s, u"https://talk.example.org/r"_s) }, meet,
-        fromText);
-    row("http", Entries { entryPoint(u"video"_s, u"http://meet.google.com/aaa-aaaa-aaa"_s) }, {}, fromText);
-    row("too long", Entries { entryPoint(u"video"_s, meet + u'?' + u"x"_s.repeated(2048)) }, {}, fromText);
-    row("nothing", {}, {}, fromText);
-}
-
-void TestGoogleEventMapper::choosesTheConferenceLink()
-{
-    QFETCH(const std::optional<QList<Google::EntryPoint>>, entryPoints);
-    QFETCH(const std::optional<QString>, hangout);
-    QFETCH(const QString, link);
-    Google::Event event = plainEvent();
-    event.description = u"https://a.zoom.us/j/1"_s;
-    event.conferenceData.emplace().entryPoints = entryPoints;
-    event.hangoutLink = hangout;
-    const Meeting meeting = map(event).value();
-    QCOMPARE(meeting.meetingURL, QUrl(link));
-    QCOMPARE(meeting.platform, classifyPlatform(QUrl(link)));
-}
-
-void TestGoogleEventMapper::takesOnlyHttpsForTheEventsPage_data()
-{
-    QTest::addColumn<QString>("htmlLink");
-    QTest::addColumn<bool>("isTaken");
-    QTest::newRow("https") << u"https://calendar.example.org/?eid=1"_s << true;
-    QTest::newRow("capitals") << u"HTTPS://calendar.example.org/"_s << true;
-    QTest::newRow("http") << u"http://calendar.example.org/"_s << false;
-    QTest::newRow("script") << u"javascript:alert(1)"_s << false;
-    QTest::newRow("not a URL") << u"https://calendar.example.org/%zz"_s << false;
-    QTest::newRow("spaces around") << u" https://calendar.example.org/"_s << false;
-    QTest::newRow("empty") << u""_s << false;
-}
-
-void TestGoogleEventMapper::takesOnlyHttpsForTheEventsPage()
-{
-    QFETCH(const QString, htmlLink);
-    Google::Event event = plainEvent();
-    event.htmlLink = htmlLink;
-    QTEST(map(event)->canonicalURL.has_value(), "isTaken");
-}
-
-void TestGoogleEventMapper::identifiesAttendees()
-{
-    Google::Event event = plainEvent();
-    QList<Google::Attendee> &attendees = event.attendees.emplace();
-    attendees.resize(4);
-    attendees[0].email = u"ana@example.com"_s;
-    attendees[0].displayName = u"Ana"_s;
-    attendees[1].displayName = u"Bruno"_s;
-    attendees[2].email = u""_s;
-
-    const Meeting first = map(event).value();
-    const Meeting second = map(event).value();
-    QCOMPARE(first.attendees.size(), 4);
-    QCOMPARE(first.attendees[0].id, u"ana@example.com"_s);
-    QCOMPARE(first.attendees[1].id, u"Bruno"_s);
-    QCOMPARE(first.attendees[2].id, u""_s);
-    QVERIFY(!first.attendees[3].id.isEmpty());
-    QVERIFY(first.attendees[3].id != second.attendees[3].id);
-    QVERIFY(first != second);
-}
 
 } // namespace kestrel
 
