@@ -17,7 +17,9 @@ using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 
 namespace kestrel {
+
 namespace {
+
 using Result = LoopbackServer::Result;
 
 constexpr auto longEnough = 60s;

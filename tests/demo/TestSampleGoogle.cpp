@@ -15,6 +15,7 @@ using namespace kestrel::demo;
 using namespace std::chrono_literals;
 
 namespace {
+
 const QString eventsPath = u"/calendar/v3/calendars/primary/events"_s;
 const QString window = u"?singleEvents=true&orderBy=startTime&maxResults=250"
                        "&timeMin=2030-01-15T08:00:00Z&timeMax=2030-01-16T09:00:00Z"_s;

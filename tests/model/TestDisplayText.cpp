@@ -5,6 +5,7 @@
 using namespace Qt::StringLiterals;
 
 namespace kestrel {
+
 class TestDisplayText final : public QObject
 {
     Q_OBJECT

@@ -9,7 +9,9 @@ using namespace Qt::StringLiterals;
 using namespace std::chrono;
 
 namespace kestrel {
+
 namespace {
+
 Instant at(QStringView text)
 {
     return parseInternetDateTime(text).value();

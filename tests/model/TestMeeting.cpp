@@ -5,6 +5,7 @@
 using namespace Qt::StringLiterals;
 
 namespace kestrel {
+
 using Change = void (*)(Meeting &);
 
 class TestMeeting final : public QObject

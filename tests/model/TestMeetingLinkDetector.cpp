@@ -4,7 +4,9 @@
 using namespace Qt::StringLiterals;
 
 namespace kestrel {
+
 namespace {
+
 using Resolution = MeetingLinkDetector::Resolution;
 
 QString shown(const std::optional<Resolution> &resolution)
