@@ -18,12 +18,11 @@ QString whatHelps()
 
 } // namespace
 
-DesktopStatusItemHost::DesktopStatusItemHost(const std::optional<QDBusConnection> &bus,
-                                             const Appearance &appearance, Patience patience)
+DesktopStatusItemHost::DesktopStatusItemHost(const Appearance &appearance, Patience patience)
     : m_appearance(appearance)
 {
-    if (bus) {
-        m_sni = std::make_unique<SniStatusItemHost>(*bus, appearance);
+    if (QDBusConnection::sessionBus().isConnected()) {
+        m_sni = std::make_unique<SniStatusItemHost>(appearance);
         connect(m_sni.get(), &StatusItemHost::activated, this, &StatusItemHost::activated);
         connect(m_sni.get(), &StatusItemHost::menuTriggered, this, &StatusItemHost::menuTriggered);
         connect(m_sni.get(), &SniStatusItemHost::hostedChanged, this, &DesktopStatusItemHost::chooseAgain);
@@ -82,9 +81,7 @@ void DesktopStatusItemHost::giveUp()
 
 std::unique_ptr<StatusItemHost> makeStatusItemHost(const Appearance &appearance)
 {
-    const QDBusConnection bus = QDBusConnection::sessionBus();
-    return std::make_unique<DesktopStatusItemHost>(bus.isConnected() ? std::optional(bus) : std::nullopt,
-                                                   appearance, DesktopStatusItemHost::Patience());
+    return std::make_unique<DesktopStatusItemHost>(appearance, DesktopStatusItemHost::Patience());
 }
 
 } // namespace kestrel

@@ -22,8 +22,7 @@ public:
         std::chrono::milliseconds untilMessage { std::chrono::seconds(10) };
     };
 
-    DesktopStatusItemHost(const std::optional<QDBusConnection> &bus, const Appearance &appearance,
-                          Patience patience);
+    DesktopStatusItemHost(const Appearance &appearance, Patience patience);
 
     void show(const StatusItemState &state) override;
 

@@ -11,7 +11,7 @@
 #include <QDir>
 #include <QFile>
 #include <QStandardPaths>
-#include <QTemporaryDir>
+#include <QTextDocument>
 #include <QtEndian>
 #include <array>
 #include <optional>
@@ -97,6 +97,20 @@ constexpr QLatin1StringView itemMembers { R"xml(
 <signal name="XAyatanaNewLabel"><arg type="s"/><arg type="s"/></signal>
 )xml" };
 
+/// Nothing where no folder can be had: the pixmaps remain.
+std::unique_ptr<QTemporaryDir> makeFolder()
+{
+    for (const auto place : { QStandardPaths::RuntimeLocation, QStandardPaths::GenericCacheLocation }) {
+        const QString parent = QStandardPaths::writableLocation(place);
+        if (parent.isEmpty() || !QDir().mkpath(parent))
+            continue;
+        auto folder = std::make_unique<QTemporaryDir>(parent + u"/kestrel-icons-XXXXXX"_s);
+        if (folder->isValid())
+            return folder;
+    }
+    return nullptr;
+}
+
 /// The widest text that the label may become, for hosts that keep room for it.
 QString labelGuide(QString label)
 {
@@ -109,26 +123,29 @@ QString labelGuide(QString label)
 
 } // namespace
 
-CountdownPlace countdownPlace(const QByteArray &processName)
+PanelHabits panelHabits(const QByteArray &processName)
 {
+    using enum CountdownPlace;
+    using enum ToolTipReading;
     struct Panel
     {
         QByteArrayView prefix; // comm ends after 15 characters
-        CountdownPlace place;
+        PanelHabits habits;
     };
     static constexpr std::array panels {
-        Panel { "gnome-shell", CountdownPlace::Label }, // with its AppIndicator extension
-        Panel { "mate-panel", CountdownPlace::Label },
-        Panel { "notification-ar", CountdownPlace::Label }, // mate-panel's notification-area-applet
-        Panel { "ayatana-indicat", CountdownPlace::Label }, // ayatana-indicator-application
-        Panel { "waybar", CountdownPlace::Icon },
+        Panel { "gnome-shell", { Label, Plain, false } }, // with its AppIndicator extension
+        Panel { "notification-ar", { Label, Markup, true } }, // mate-panel's notification-area-applet
+        Panel { "mate-panel", { Label, Markup, true } },
+        Panel { "ayatana-indicat", { Label, Plain, false } }, // ayatana-indicator-application
+        Panel { "waybar", { Icon, Markup, false } },
+        Panel { "lxqt-panel", { CountdownPlace::ToolTip, Guessed, false } },
     };
     for (const Panel &panel : panels) {
         if (processName.startsWith(panel.prefix))
-            return panel.place;
+            return panel.habits;
     }
-    // Plasma, xfce4-panel, lxqt-panel and the unknown
-    return CountdownPlace::ToolTip;
+    // Plasma, xfce4-panel and the unknown
+    return {};
 }
 
 /// What the panel reads. Says only what changed.
@@ -139,31 +156,26 @@ public:
         : DBusServedObject(std::move(bus), u"/StatusNotifierItem"_s, u"org.kde.StatusNotifierItem"_s,
                            itemMembers)
         , m_host(host)
+        , m_state(host.m_state)
     {
         qDBusRegisterMetaType<IconPixmap>();
         qDBusRegisterMetaType<QList<IconPixmap>>();
         qDBusRegisterMetaType<ToolTip>();
     }
 
-    void setState(const StatusItemState &state)
+    /// After the host's state changed from `before`.
+    void announceChanges(const StatusItemState &before)
     {
-        const StatusItemState before = std::exchange(m_state, state);
-        const bool isPainted = m_place == CountdownPlace::Icon;
-        if (before.symbol != state.symbol || before.svg != state.svg
-            || (isPainted && before.label != state.label))
+        const bool isPainted = m_host.m_habits.place == CountdownPlace::Icon;
+        const bool isOtherLabel = before.label != m_state.label;
+        if (before.symbol != m_state.symbol || before.svg != m_state.svg || (isPainted && isOtherLabel))
             repaint();
-        if (before.toolTip != state.toolTip) {
+        if (before.toolTip != m_state.toolTip) {
             announce(u"NewTitle"_s);
             announce(u"NewToolTip"_s);
         }
-        if (before.label != state.label)
-            announce(u"XAyatanaNewLabel"_s, { state.label, labelGuide(state.label) });
-    }
-
-    void setPlace(CountdownPlace place)
-    {
-        if (std::exchange(m_place, place) != place)
-            repaint();
+        if (isOtherLabel)
+            announce(u"XAyatanaNewLabel"_s, { m_state.label, labelGuide(m_state.label) });
     }
 
     void repaint()
@@ -177,7 +189,7 @@ protected:
     {
         const QString title = m_state.toolTip.isEmpty() ? u"Kestrel"_s : m_state.toolTip;
         // a named icon goes before the pixmaps, which alone can hold the countdown
-        const bool isPainted = m_place == CountdownPlace::Icon && !m_state.label.isEmpty();
+        const bool isPainted = m_host.m_habits.place == CountdownPlace::Icon && !m_state.label.isEmpty();
         const auto none = QVariant::fromValue(QList<IconPixmap>());
         QVariantMap all {
             { u"Category"_s, u"ApplicationStatus"_s },
@@ -185,7 +197,7 @@ protected:
             { u"Title"_s, title },
             { u"Status"_s, u"Active"_s },
             { u"WindowId"_s, 0 },
-            { u"IconThemePath"_s, m_folder ? m_folder->path() : QString() },
+            { u"IconThemePath"_s, m_host.m_folder ? m_host.m_folder->path() : QString() },
             { u"IconName"_s, isPainted ? QString() : iconName() },
             { u"IconPixmap"_s, QVariant::fromValue(pixmaps()) },
             { u"OverlayIconName"_s, QString() },
@@ -193,7 +205,7 @@ protected:
             { u"AttentionIconName"_s, QString() },
             { u"AttentionIconPixmap"_s, none },
             { u"AttentionMovieName"_s, QString() },
-            { u"ToolTip"_s, QVariant::fromValue(ToolTip { {}, {}, title, {} }) },
+            { u"ToolTip"_s, QVariant::fromValue(ToolTip { {}, {}, toolTipText(title), {} }) },
             { u"ItemIsMenu"_s, false },
             { u"Menu"_s, QVariant::fromValue(QDBusObjectPath(StatusItemMenu::path)) },
         };
@@ -230,13 +242,13 @@ private:
     /// The icon's name in the private folder, where its file is written when it is first asked for.
     [[nodiscard]] QString iconName() const
     {
-        if (!m_folder || m_state.svg.isEmpty())
+        if (!m_host.m_folder || m_state.svg.isEmpty())
             return {};
         // panels that do not recolour it take it as it is, and keep what they loaded by the name
         const QString name =
             u"kestrel-%1-%2-symbolic"_s.arg(QString(m_state.symbol).replace(u'.', u'-'),
                                             m_host.m_appearance.isDark() ? "light"_L1 : "dark"_L1);
-        QFile file(m_folder->filePath(name + u".svg"_s));
+        QFile file(m_host.m_folder->filePath(name + u".svg"_s));
         if (file.exists())
             return name;
         const QByteArray drawing = symbolicSvg(m_state.svg, foreground());
@@ -250,56 +262,76 @@ private:
     [[nodiscard]] const QList<IconPixmap> &pixmaps() const
     {
         if (m_pixmaps.isEmpty() && !m_state.svg.isEmpty()) {
-            const QString label = m_place == CountdownPlace::Icon ? m_state.label : QString();
+            const QString label = m_host.m_habits.place == CountdownPlace::Icon ? m_state.label : QString();
             for (const int height : { 16, 22, 24, 32, 48 })
                 m_pixmaps << pixmapOf(statusItemImage(m_state.svg, label, height, foreground()));
         }
         return m_pixmaps;
     }
 
-    /// Nothing where no folder can be had: the pixmaps remain.
-    static std::unique_ptr<QTemporaryDir> makeFolder()
+    [[nodiscard]] QString toolTipText(const QString &title) const
     {
-        for (const auto place : { QStandardPaths::RuntimeLocation, QStandardPaths::GenericCacheLocation }) {
-            const QString parent = QStandardPaths::writableLocation(place);
-            if (parent.isEmpty() || !QDir().mkpath(parent))
-                continue;
-            auto folder = std::make_unique<QTemporaryDir>(parent + u"/kestrel-icons-XXXXXX"_s);
-            if (folder->isValid())
-                return folder;
+        switch (m_host.m_habits.reading) {
+        case ToolTipReading::Markup:
+            return title.toHtmlEscaped();
+        case ToolTipReading::Guessed:
+            return Qt::mightBeRichText(title) ? title.toHtmlEscaped() : title;
+        case ToolTipReading::Plain:
+            break;
         }
-        return nullptr;
+        return title;
     }
 
     SniStatusItemHost &m_host;
-    StatusItemState m_state;
-    CountdownPlace m_place = CountdownPlace::ToolTip;
-    std::unique_ptr<QTemporaryDir> m_folder = makeFolder();
+    const StatusItemState &m_state;
     mutable QList<IconPixmap> m_pixmaps;
 };
 
-SniStatusItemHost::SniStatusItemHost(QDBusConnection bus, const Appearance &appearance, QObject *parent)
-    : StatusItemHost(parent)
-    , m_bus(std::move(bus))
+SniStatusItemHost::SniStatusItemHost(const Appearance &appearance)
+    : m_bus(QDBusConnection::sessionBus())
+    , m_itemBus(QString())
     , m_appearance(appearance)
 {
 }
 
-SniStatusItemHost::~SniStatusItemHost() = default;
+SniStatusItemHost::~SniStatusItemHost()
+{
+    dropItem();
+}
 
 void SniStatusItemHost::show(const StatusItemState &state)
 {
-    const bool isFirst = !m_item;
-    if (isFirst) {
-        m_item = std::make_unique<Item>(m_bus, *this);
-        m_menu = std::make_unique<StatusItemMenu>(m_bus);
-        connect(m_menu.get(), &StatusItemMenu::triggered, this, &StatusItemHost::menuTriggered,
-                Qt::QueuedConnection);
-    }
-    m_item->setState(state);
-    m_menu->setEntries(state.menu);
-    if (isFirst)
+    const StatusItemState before = std::exchange(m_state, state);
+    if (!m_item) {
+        m_folder = makeFolder();
+        makeItem();
         start();
+    } else if (m_habits.keepsLabel && !before.label.isEmpty() && state.label.isEmpty()) {
+        dropItem();
+        makeItem();
+        registerItem();
+    } else {
+        m_item->announceChanges(before);
+        m_menu->setEntries(state.menu);
+    }
+}
+
+void SniStatusItemHost::makeItem()
+{
+    m_itemBus = QDBusConnection::connectToBus(QDBusConnection::SessionBus,
+                                              u"kestrel status item %1"_s.arg(++m_itemCount));
+    m_item = std::make_unique<Item>(m_itemBus, *this);
+    m_menu = std::make_unique<StatusItemMenu>(m_itemBus);
+    connect(m_menu.get(), &StatusItemMenu::triggered, this, &StatusItemHost::menuTriggered,
+            Qt::QueuedConnection);
+    m_menu->setEntries(m_state.menu);
+}
+
+void SniStatusItemHost::dropItem()
+{
+    m_menu.reset();
+    m_item.reset();
+    QDBusConnection::disconnectFromBus(m_itemBus.name());
 }
 
 void SniStatusItemHost::start()
@@ -341,8 +373,8 @@ void SniStatusItemHost::takeProcessId(const QDBusMessage &answer)
     if (answer.type() == QDBusMessage::ErrorMessage)
         return;
     QFile comm(u"/proc/%1/comm"_s.arg(answer.arguments().value(0).toUInt()));
-    m_item->setPlace(
-        countdownPlace(comm.open(QIODevice::ReadOnly) ? comm.readLine().trimmed() : QByteArray()));
+    m_habits = panelHabits(comm.open(QIODevice::ReadOnly) ? comm.readLine().trimmed() : QByteArray());
+    m_item->repaint();
     registerItem();
 }
 
@@ -350,7 +382,7 @@ void SniStatusItemHost::registerItem()
 {
     ask(QDBusMessage::createMethodCall(watcherService, watcherPath, watcherService,
                                        u"RegisterStatusNotifierItem"_s)
-            << m_bus.baseService(),
+            << m_itemBus.baseService(),
         &SniStatusItemHost::takeRegistration);
     askForHosts();
 }

@@ -87,9 +87,18 @@ protected:
         case PdmPhysicalDpiX:
         case PdmPhysicalDpiY:
             return 96;
-        default:
-            return QPaintDevice::metric(metric);
+        case PdmWidthMM:
+        case PdmHeightMM:
+            return side * 254 / 960;
+        case PdmDevicePixelRatio:
+            return 1;
+        case PdmDevicePixelRatioScaled:
+            return static_cast<int>(devicePixelRatioFScale());
+        case PdmNumColors:
+        case PdmDepth:
+            break;
         }
+        return 0;
     }
 
 private:
