@@ -5,7 +5,9 @@
 #include <QGuiApplication>
 #include <QScreen>
 #include <QWindow>
+#include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace kestrel {
 
@@ -103,11 +105,7 @@ QHash<const QScreen *, DesktopScreens::Frames> DesktopScreens::readFrames() cons
     QHash<const QScreen *, Frames> frames;
     const QList<QScreen *> screens = QGuiApplication::screens();
     const bool onX11 = x11::connection() != nullptr;
-    QSize xScreen;
-    for (const QScreen *screen : screens) {
-        const QRect geometry = x11::deviceGeometry(*screen);
-        xScreen = xScreen.expandedTo({ geometry.right() + 1, geometry.bottom() + 1 });
-    }
+    const QSize xScreen = onX11 ? x11::rootSize() : QSize();
     const QList<X11Strut> struts = onX11 ? readStruts(xScreen) : QList<X11Strut>();
     const QList<QRect> workAreas = onX11 ? namedWorkAreas() : QList<QRect>();
     for (const QScreen *screen : screens) {
@@ -129,10 +127,11 @@ QScreen *DesktopScreens::mainScreen() const
     const QList<QScreen *> screens = QGuiApplication::screens();
     if (screens.size() < 2)
         return QGuiApplication::primaryScreen();
-    if (!x11::connection()) {
-        const QWindow *window = QGuiApplication::focusWindow();
-        return window ? window->screen() : QGuiApplication::primaryScreen();
-    }
+    // first our own: window managers do not count a card that was clicked as active
+    if (const QWindow *window = QGuiApplication::focusWindow())
+        return window->screen();
+    if (!x11::connection())
+        return QGuiApplication::primaryScreen();
     const auto active = x11::values(x11::root(), x11::atom("_NET_ACTIVE_WINDOW"));
     if (active.empty() || active.front() == XCB_WINDOW_NONE)
         return QGuiApplication::primaryScreen();

@@ -2,11 +2,11 @@
 #include "base/Log.h"
 #include <QDBusArgument>
 #include <QDBusConnection>
-#include <QDBusMessage>
 #include <QDBusMetaType>
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
 #include <QDBusServiceWatcher>
+#include <QDBusVariant>
 
 using namespace Qt::StringLiterals;
 
@@ -59,8 +59,7 @@ PortalAppearance::PortalAppearance(QObject *parent)
     m_wishes = wishes();
 
     QDBusConnection bus = QDBusConnection::sessionBus();
-    bus.connect(service, path, interface, u"SettingChanged"_s, this,
-                SLOT(onSettingChanged(QString, QString, QDBusVariant)));
+    bus.connect(service, path, interface, u"SettingChanged"_s, this, SLOT(onSettingChanged(QDBusMessage)));
     // a portal that comes up late, or again
     auto *watcher = new QDBusServiceWatcher(service, bus, QDBusServiceWatcher::WatchForRegistration, this);
     connect(watcher, &QDBusServiceWatcher::serviceRegistered, this, &PortalAppearance::ask);
@@ -91,11 +90,15 @@ void PortalAppearance::learn(QDBusPendingCallWatcher *answer)
     apply();
 }
 
-void PortalAppearance::onSettingChanged(const QString &group, const QString &key, const QDBusVariant &value)
+void PortalAppearance::onSettingChanged(const QDBusMessage &message)
 {
+    const QVariantList arguments = message.arguments();
+    if (message.signature() != "ssv"_L1)
+        return;
+    const QString group = arguments[0].toString();
     if (group != appearanceGroup && group != gnomeGroup)
         return;
-    m_settings.insert(nameOf(group, key), value.variant());
+    m_settings.insert(nameOf(group, arguments[1].toString()), arguments[2].value<QDBusVariant>().variant());
     apply();
 }
 

@@ -1,7 +1,7 @@
 #pragma once
 #include "platform/Appearance.h"
 #include "platform/linux/X11Compositor.h"
-#include <QDBusVariant>
+#include <QDBusMessage>
 #include <QMap>
 #include <QString>
 #include <QVariant>
@@ -38,7 +38,7 @@ private:
 
     void ask();
     void learn(QDBusPendingCallWatcher *answer);
-    Q_SLOT void onSettingChanged(const QString &group, const QString &key, const QDBusVariant &value);
+    Q_SLOT void onSettingChanged(const QDBusMessage &message);
     void apply();
     [[nodiscard]] Wishes wishes() const;
 

@@ -38,6 +38,13 @@ xcb_window_t root()
     return window;
 }
 
+QSize rootSize()
+{
+    const auto asked = xcb_get_geometry(connection(), root());
+    const Reply<xcb_get_geometry_reply_t> reply(xcb_get_geometry_reply(connection(), asked, nullptr));
+    return reply ? QSize(reply->width, reply->height) : QSize();
+}
+
 xcb_atom_t atom(QByteArrayView name)
 {
     static QHash<QByteArray, xcb_atom_t> known;
@@ -68,6 +75,21 @@ void setValues(xcb_window_t window, xcb_atom_t property, xcb_atom_t type, const 
 {
     xcb_change_property(connection(), XCB_PROP_MODE_REPLACE, window, property, type, 32,
                         quint32(values.size()), values.data());
+}
+
+QByteArray windowManagerName()
+{
+    const auto window = values(root(), atom("_NET_SUPPORTING_WM_CHECK"));
+    if (window.empty())
+        return {};
+    constexpr quint32 mostWords = 64;
+    const auto asked = xcb_get_property(connection(), false, window.front(), atom("_NET_WM_NAME"),
+                                        XCB_GET_PROPERTY_TYPE_ANY, 0, mostWords);
+    const Reply<xcb_get_property_reply_t> reply(xcb_get_property_reply(connection(), asked, nullptr));
+    if (!reply || reply->format != 8)
+        return {};
+    return { static_cast<const char *>(xcb_get_property_value(reply.get())),
+             xcb_get_property_value_length(reply.get()) };
 }
 
 void sendToWindowManager(xcb_window_t window, xcb_atom_t message, const std::vector<quint32> &values)

@@ -1,4 +1,5 @@
 #pragma once
+#include <QByteArray>
 #include <QByteArrayView>
 #include <QPoint>
 #include <QRect>
@@ -27,6 +28,8 @@ using Reply = std::unique_ptr<T, Free>;
 /// Of the display's default screen.
 [[nodiscard]] int screenNumber();
 [[nodiscard]] xcb_window_t root();
+/// As it is now: monitors come and go.
+[[nodiscard]] QSize rootSize();
 [[nodiscard]] xcb_atom_t atom(QByteArrayView name);
 
 /// Asks for a property of 32-bit values; the answer is read with the second one, so that many can be on their
@@ -38,6 +41,8 @@ using Reply = std::unique_ptr<T, Free>;
     return values(askValues(window, property));
 }
 void setValues(xcb_window_t window, xcb_atom_t property, xcb_atom_t type, const std::vector<quint32> &values);
+/// As _NET_WM_NAME says; empty where none runs.
+[[nodiscard]] QByteArray windowManagerName();
 /// A request to the window manager about `window`.
 void sendToWindowManager(xcb_window_t window, xcb_atom_t message, const std::vector<quint32> &values);
 

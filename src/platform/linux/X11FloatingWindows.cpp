@@ -16,6 +16,16 @@ constexpr quint32 fromApplication = 1; ///< the source of a request (EWMH)
 constexpr quint32 fromPerson = 2;
 constexpr quint32 addState = 1;
 
+/// Whether the window manager itself keeps a notification above a full-screen window. The others do not, or
+/// put it somewhere else, and must not know of it at all. Inside Wayland none places or raises an X window as
+/// it asks for.
+bool managesNotifications()
+{
+    const QByteArray manager = x11::windowManagerName();
+    return !x11::isInsideWayland()
+        && (manager == "KWin" || manager == "GNOME Shell" || manager.startsWith("Mutter"));
+}
+
 QList<QRect> deviceRectangles(const QWindow &window, const QRegion &region)
 {
     const qreal ratio = window.devicePixelRatio();
@@ -48,8 +58,7 @@ void X11FloatingWindows::prepare(QWindow &window, Kind kind)
     Qt::WindowFlags flags = Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint;
     if (kind != Kind::Popover) {
         flags |= Qt::WindowDoesNotAcceptFocus;
-        // Wayland compositors place and raise no other X window as it asks for
-        if (x11::isInsideWayland())
+        if (!managesNotifications())
             flags |= Qt::X11BypassWindowManagerHint;
     }
     if (kind == Kind::Hud)
