@@ -275,6 +275,7 @@ void XEmbedStatusItem::paint()
     const auto height = static_cast<quint16>(m_size.height());
     QImage surface(m_size, QImage::Format_ARGB32_Premultiplied);
     surface.fill(Qt::transparent);
+    bool isDark = m_appearance.isDark();
     if (!m_isTranslucent) {
         // the tray's own background shows through where nothing is drawn
         xcb_clear_area(m_connection.get(), 0, m_window, 0, 0, 0, 0);
@@ -284,9 +285,11 @@ void XEmbedStatusItem::paint()
         if (behind && xcb_get_image_data_length(behind.get()) == surface.sizeInBytes()) {
             surface = QImage(xcb_get_image_data(behind.get()), width, height, QImage::Format_RGB32)
                           .convertToFormat(QImage::Format_ARGB32_Premultiplied);
+            // small trays have colours of their own, whatever the desktop prefers
+            isDark = qGray(surface.pixel(0, 0)) < 128;
         }
     }
-    const QColor color = panelForeground(m_appearance.isDark());
+    const QColor color = panelForeground(isDark);
     QImage image = statusItemImage(m_state.svg, m_state.label, height, color);
     // a tray of square places has none for the countdown
     if (image.width() > width)
