@@ -42,8 +42,9 @@ private:
     qreal m_radius = 0;
 };
 
-/// A filled rectangle with a one-pixel edge, its corners as continuous as its sides leave room for.
-class SmoothRectangle : public NinePatchItem
+/// A filled rectangle with a one-pixel edge, its corners as continuous as its sides leave room for. (The base
+/// is named in full, since QML's tooling looks it up by that name.)
+class SmoothRectangle : public kestrel::NinePatchItem
 {
     Q_OBJECT
     QML_ELEMENT
@@ -72,7 +73,7 @@ private:
 
 /// The soft shadow of a rounded rectangle of the item's size: black at 18 %, blurred by 24, 10 further down.
 /// Reaches out over the item by Metrics.shadowReach, and by shadowDrop more or less below and above.
-class SoftShadow : public NinePatchItem
+class SoftShadow : public kestrel::NinePatchItem
 {
     Q_OBJECT
     QML_ELEMENT
