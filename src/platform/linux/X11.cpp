@@ -7,9 +7,10 @@ namespace kestrel::x11 {
 
 xcb_connection_t *connection()
 {
-    if (const auto *x11 = qGuiApp ? qGuiApp->nativeInterface<QNativeInterface::QX11Application>() : nullptr)
-        return x11->connection();
-    return nullptr;
+    const auto *application = qobject_cast<QGuiApplication *>(QCoreApplication::instance());
+    const auto *x11 =
+        application ? application->nativeInterface<QNativeInterface::QX11Application>() : nullptr;
+    return x11 ? x11->connection() : nullptr;
 }
 
 bool isInsideWayland()

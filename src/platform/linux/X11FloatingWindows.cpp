@@ -115,13 +115,13 @@ void X11FloatingWindows::setInputRegion(QWindow &window, const QRegion &region)
                              XCB_CLIP_ORDERING_UNSORTED, id, 0, 0, quint32(rectangles.size()),
                              rectangles.data());
     }
-    xcb_flush(x11::connection());
     cutToShape(window);
 }
 
 void X11FloatingWindows::cutToShape(QWindow &window) const
 {
     window.setMask(m_compositor.isRunning() ? QRegion() : m_inputRegions.value(&window));
+    xcb_flush(x11::connection());
 }
 
 void X11FloatingWindows::setBlurRegion(QWindow &window, const QRegion &region)
