@@ -44,16 +44,6 @@ private Q_SLOTS:
         QVERIFY(!result.has_value());
         QVERIFY(result.error().contains("not running"_L1));
     }
-
-    void leavesTheNameToTheNextOne()
-    {
-        {
-            DBusSessionInstance first(busName);
-            QVERIFY(first.claim(echo) == SessionInstance::Claim::Owned);
-        }
-        DBusSessionInstance second(busName);
-        QVERIFY(second.claim(echo) == SessionInstance::Claim::Owned);
-    }
 };
 
 int main(int argc, char **argv)

@@ -68,7 +68,6 @@ private Q_SLOTS:
         QTest::addColumn<bool>("opened");
         QTest::newRow("ends well") << QByteArray("exit 0\n") << true;
         QTest::newRow("fails") << QByteArray("exit 3\n") << false;
-        QTest::newRow("crashes") << QByteArray("kill -SEGV $$\n") << false;
     }
 
     void theBrowserGetsTheAddressAlone()
@@ -100,24 +99,15 @@ private Q_SLOTS:
         QVERIFY(!QCoro::waitFor(opener.open(address)));
     }
 
-    void onlyWebAddressesAreOpened_data()
-    {
-        QTest::addColumn<QUrl>("url");
-        QTest::newRow("file") << QUrl(u"file:///etc/passwd"_s);
-        QTest::newRow("script") << QUrl(u"javascript:alert(1)"_s);
-        QTest::newRow("another program's") << QUrl(u"zoommtg://zoom.us/join"_s);
-        QTest::newRow("no scheme") << QUrl(u"example.com"_s);
-        QTest::newRow("no host") << QUrl(u"https:///x"_s);
-        QTest::newRow("nothing") << QUrl();
-    }
-
     void onlyWebAddressesAreOpened()
     {
-        QFETCH(QUrl, url);
         qputenv("KESTREL_BROWSER", QFile::encodeName(browser("exit 0\n")));
         DesktopUrlOpener opener(1min);
-        QVERIFY(!QCoro::waitFor(opener.open(url)));
-        QCOMPARE(said(), "");
+        for (const auto &url : { u"file:///etc/passwd"_s, u"javascript:alert(1)"_s,
+                                 u"zoommtg://zoom.us/join"_s, u"example.com"_s, u"https:///x"_s, u""_s }) {
+            QVERIFY2(!QCoro::waitFor(opener.open(QUrl(url))), qPrintable(url));
+            QCOMPARE(said(), "");
+        }
     }
 
     void aBrowserThatStaysOpenIsReapedInTheEnd()

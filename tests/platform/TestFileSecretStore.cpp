@@ -80,16 +80,6 @@ private Q_SLOTS:
         QCOMPARE(secret(store, first), "");
     }
 
-    void twoStoresSeeEachOthersSecrets()
-    {
-        FileSecretStore mine(m_path);
-        FileSecretStore theirs(m_path);
-        QCOMPARE(QCoro::waitFor(mine.add(first, "1")), SecretStatus::Success);
-        QCOMPARE(QCoro::waitFor(theirs.add(second, "2")), SecretStatus::Success);
-        QCOMPARE(secret(mine, second), "2");
-        QCOMPARE(secret(theirs, first), "1");
-    }
-
     void theFileIsNobodyElses()
     {
         const mode_t before = umask(0);
@@ -99,13 +89,7 @@ private Q_SLOTS:
         QCOMPARE(added, SecretStatus::Success);
         QCOMPARE(QFile::permissions(m_path), onlyMine);
         QCOMPARE(QFile::permissions(QFileInfo(m_path).path()), onlyMine | QFile::ExeOwner | QFile::ExeUser);
-        QVERIFY(!get(m_path).contains("\"1\"")); // nothing that a glance over the shoulder reads
-    }
 
-    void aFileThatOthersMayReadIsClosedToThem()
-    {
-        FileSecretStore store(m_path);
-        QCOMPARE(QCoro::waitFor(store.add(first, "1")), SecretStatus::Success);
         QFile::setPermissions(m_path, onlyMine | QFile::ReadGroup | QFile::ReadOther);
         QCOMPARE(secret(store, first), "1");
         QCOMPARE(QFile::permissions(m_path), onlyMine);
@@ -114,12 +98,10 @@ private Q_SLOTS:
     void aDamagedFileFailsUntilTheNextSignInAndIsKept_data()
     {
         QTest::addColumn<QByteArray>("content");
-        QTest::newRow("cut off") << QByteArray("{\"items\":[{\"service\":\"a");
-        QTest::newRow("another shape") << QByteArray("[]");
-        QTest::newRow("no secret") << QByteArray("{\"items\":[{\"service\":\"a\",\"account\":\"b\"}]}");
-        QTest::newRow("secret is not base64")
-            << QByteArray("{\"items\":[{\"service\":\"a\",\"account\":\"b\",\"secret\":\"*\"}]}");
-        QTest::newRow("zeros") << QByteArray(20, '\0');
+        for (const char *content :
+             { "{\"items\":[{\"service\":\"a", "[]", "{\"items\":[{\"service\":\"a\",\"account\":\"b\"}]}",
+               "{\"items\":[{\"service\":\"a\",\"account\":\"b\",\"secret\":\"*\"}]}" })
+            QTest::newRow(content) << QByteArray(content);
     }
 
     void aDamagedFileFailsUntilTheNextSignInAndIsKept()

@@ -38,8 +38,8 @@ private Q_SLOTS:
     void theDesktopStartsTheProgram_data()
     {
         QTest::addColumn<QString>("name");
-        for (const auto *name : { u"kestrel", u"with space", u"quo\"te'", u"$HOME", u"`id`",
-                                  u"back\\slash\\n", u"two\nlines", u"ünï" })
+        for (const auto *name :
+             { u"kestrel", u"with space", u"quo\"te' $HOME `id`", u"back\\slash\\n", u"two\nlines ünï" })
             QTest::addRow("%s", qPrintable(QString::fromUtf16(name))) << QString::fromUtf16(name);
     }
 
