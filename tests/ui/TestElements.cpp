@@ -1,0 +1,291 @@
+#include "base/Clock.h"
+#include "support/FakeAppearance.h"
+#include "ui/AttendeeModel.h"
+#include "ui/Colors.h"
+#include "ui/Countdown.h"
+#include "ui/FlowRow.h"
+#include "ui/QuickScene.h"
+#include "ui/Symbols.h"
+#include "ui/Theme.h"
+#include <QDirIterator>
+#include <QQmlComponent>
+#include <QTest>
+#include <QTranslator>
+#include <cmath>
+#include <memory>
+#include <optional>
+
+using namespace Qt::StringLiterals;
+
+namespace kestrel {
+
+namespace {
+
+/// WCAG 2.1, "contrast ratio".
+double contrast(const QColor &one, const QColor &other)
+{
+    const auto light = [](const QColor &color) {
+        const auto linear = [](double part) {
+            return part <= 0.03928 ? part / 12.92 : std::pow((part + 0.055) / 1.055, 2.4);
+        };
+        return 0.2126 * linear(color.redF()) + 0.7152 * linear(color.greenF())
+            + 0.0722 * linear(color.blueF()) + 0.05;
+    };
+    const double ratio = light(one) / light(other);
+    return std::max(ratio, 1 / ratio);
+}
+
+/// Counts while it lives, and lets the messages through.
+class WarningCount final
+{
+public:
+    WarningCount()
+    {
+        seen = 0;
+        before = qInstallMessageHandler([](QtMsgType type, const auto &where, const QString &text) {
+            seen += type == QtDebugMsg || type == QtInfoMsg ? 0 : 1;
+            before(type, where, text);
+        });
+    }
+    ~WarningCount() { qInstallMessageHandler(before); }
+    WarningCount(const WarningCount &) = delete;
+    WarningCount &operator=(const WarningCount &) = delete;
+
+    static inline int seen = 0;
+
+private:
+    static inline QtMessageHandler before = nullptr;
+};
+
+} // namespace
+
+class TestElements final : public QObject
+{
+    Q_OBJECT
+private Q_SLOTS:
+    void initTestCase();
+    void everyElementIsMadeWithoutAWarning_data();
+    void everyElementIsMadeWithoutAWarning();
+    void everyNamedSymbolHasADrawing();
+    void whatIsReadStandsOut_data();
+    void whatIsReadStandsOut();
+    void surfacesAreSolidWhereGlassIsNotAllowed_data();
+    void surfacesAreSolidWhereGlassIsNotAllowed();
+    void flowPlacesItsItems_data();
+    void flowPlacesItsItems();
+    void aPillCountsOnlyWhileItIsSeen();
+    void chipsShowTheFirstAndThenAll();
+
+private:
+    FakeAppearance m_appearance;
+    Theme m_theme { m_appearance };
+    FixedClock m_clock { Instant(std::chrono::hours(24 * 365)) };
+    std::optional<Countdown> m_countdown;
+    AttendeeModel m_attendees { 3 };
+    QuickScene m_scene;
+    QTranslator m_translator;
+};
+
+void TestElements::initTestCase()
+{
+    QVERIFY(m_translator.load(u":/i18n/kestrel_en.qm"_s));
+    QCoreApplication::installTranslator(&m_translator);
+    m_countdown.emplace(m_clock, m_clock.now() + std::chrono::minutes(5));
+    // as a window of the program does; a file of the module alone does not register its types
+    QQmlEngine engine;
+    engine.addImportPath(u":/qt/qml"_s);
+    QQmlComponent importing(&engine);
+    importing.setData("import QtQml\nimport Kestrel.Ui\nQtObject {}", {});
+    QVERIFY2(std::unique_ptr<QObject>(importing.create()), qPrintable(importing.errorString()));
+    QList<Attendee> many;
+    for (int i = 0; i < 200; ++i)
+        many << Attendee { QString::number(i), {}, u"Guest number %1"_s.arg(i) };
+    many[0].displayName = QString(140, u'W');
+    m_attendees.setAttendees(many);
+}
+
+void TestElements::everyElementIsMadeWithoutAWarning_data()
+{
+    QTest::addColumn<QUrl>("source");
+    QDirIterator files(u":/qt/qml/Kestrel/Ui"_s, { u"*.qml"_s }, QDir::Files);
+    while (files.hasNext()) {
+        const QString path = files.next();
+        if (files.fileName() != "Metrics.qml"_L1)
+            QTest::newRow(qPrintable(files.fileName())) << QUrl(u"qrc"_s + path);
+    }
+}
+
+void TestElements::everyElementIsMadeWithoutAWarning()
+{
+    QFETCH(QUrl, source);
+    const WarningCount warnings;
+    // what a file does not require is set on it only where it has such a property
+    const QHash<QString, QVariantMap> required {
+        { u"CountdownPill.qml"_s, { { u"countdown"_s, QVariant::fromValue(&*m_countdown) } } },
+        { u"AttendeeChips.qml"_s, { { u"attendees"_s, QVariant::fromValue(&m_attendees) } } },
+        { u"AttendeeChip.qml"_s, { { u"label"_s, u"<b>Ann</b>"_s }, { u"response"_s, 0 } } },
+        { u"IconButton.qml"_s, { { u"symbol"_s, u"gearshape"_s }, { u"toolTip"_s, u"Settings"_s } } },
+        { u"Symbol.qml"_s, { { u"name"_s, u"timer"_s } } },
+        { u"ToolTipBubble.qml"_s, { { u"text"_s, u"Settings"_s } } },
+    };
+    if (source.fileName() == "ToolTipBubble.qml"_L1) {
+        // no item, so no window's root; a button shows it
+        const auto view = m_scene.makeView(QUrl(u"qrc:/qt/qml/Kestrel/Ui/IconButton.qml"_s),
+                                           required.value(u"IconButton.qml"_s));
+        QQmlComponent bubble(view->engine(), source);
+        const std::unique_ptr<QObject> made(bubble.createWithInitialProperties(
+            { { u"parent"_s, QVariant::fromValue(view->rootObject()) }, { u"text"_s, u"Settings"_s } }));
+        QVERIFY2(made, qPrintable(bubble.errorString()));
+    } else {
+        const auto view = m_scene.makeView(source, required.value(source.fileName()));
+        QVERIFY(view);
+        view->resize(300, 200);
+        view->show();
+        QVERIFY(QTest::qWaitForWindowExposed(view.get()));
+        m_appearance.dark = true;
+        Q_EMIT m_appearance.changed();
+        QVERIFY(!view->grabWindow().isNull());
+        m_appearance.dark = false;
+        Q_EMIT m_appearance.changed();
+    }
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    QCOMPARE(WarningCount::seen, 0);
+}
+
+void TestElements::everyNamedSymbolHasADrawing()
+{
+    for (const QString &name : { u"timer"_s, u"video.fill"_s, u"mappin.and.ellipse"_s, u"link"_s,
+                                 u"chevron.forward.2"_s, u"arrow.uturn.backward"_s, u"gearshape"_s })
+        QVERIFY2(symbolSvg(name).contains("<svg"), qPrintable(name));
+    QVERIFY(applicationIconSvg().contains("<svg"));
+    QCOMPARE(symbolSvg(u"no such"_s), QByteArray());
+    QCOMPARE(symbolSvg({}), QByteArray());
+}
+
+void TestElements::whatIsReadStandsOut_data()
+{
+    QTest::addColumn<QByteArray>("ink");
+    QTest::addColumn<QByteArray>("tint");
+    QTest::addColumn<double>("atLeast");
+    for (const char *ink : { "text", "secondaryText", "tertiaryText", "meetingNow", "meetingSoon",
+                             "meetingLater", "success", "error" })
+        QTest::addRow("%s on card and surface", ink) << QByteArray(ink) << QByteArray() << 4.5;
+    for (const char *tint : { "meetingNow", "meetingSoon", "meetingLater", "accent" })
+        QTest::addRow("text on glass with %s", tint) << QByteArray("text") << QByteArray(tint) << 4.5;
+    QTest::addRow("accent, as a symbol") << QByteArray("accent") << QByteArray() << 3.0;
+}
+
+void TestElements::whatIsReadStandsOut()
+{
+    QFETCH(QByteArray, ink);
+    QFETCH(QByteArray, tint);
+    QFETCH(double, atLeast);
+    const auto color = [this](const char *name) { return m_theme.property(name).value<QColor>(); };
+    for (const bool dark : { false, true }) {
+        m_appearance.dark = dark;
+        for (const char *base : { "card", "surface" }) {
+            const QColor ground = Colors().glass(color(base), color(tint), !tint.isEmpty(), false);
+            const double ratio = contrast(color(ink), ground);
+            QVERIFY2(ratio >= atLeast,
+                     qPrintable(u"%1 on %2 %3"_s.arg(ratio).arg(QLatin1StringView(base)).arg(dark)));
+        }
+    }
+    m_appearance.dark = false;
+}
+
+void TestElements::surfacesAreSolidWhereGlassIsNotAllowed_data()
+{
+    QTest::addColumn<bool>("composited");
+    QTest::addColumn<bool>("desktopReduces");
+    QTest::addColumn<bool>("personReduces");
+    QTest::addColumn<bool>("isGlass");
+    QTest::newRow("nothing against it") << true << false << false << true;
+    QTest::newRow("no compositor") << false << false << false << false;
+    QTest::newRow("the desktop reduces") << true << true << false << false;
+    QTest::newRow("the person reduces") << true << false << true << false;
+}
+
+void TestElements::surfacesAreSolidWhereGlassIsNotAllowed()
+{
+    QFETCH(bool, composited);
+    QFETCH(bool, desktopReduces);
+    QFETCH(bool, personReduces);
+    QFETCH(bool, isGlass);
+    const auto view = m_scene.makeView(QUrl(u"qrc:/qt/qml/Kestrel/Ui/GlassSurface.qml"_s), {});
+    QVERIFY(view);
+    m_appearance.composited = composited;
+    m_appearance.lessTransparency = desktopReduces;
+    m_theme.setReducesTransparency(personReduces);
+    Q_EMIT m_appearance.changed();
+    QCOMPARE(view->rootObject()->property("color").value<QColor>().alpha() < 255, isGlass);
+    m_appearance.composited = false;
+    m_appearance.lessTransparency = false;
+    m_theme.setReducesTransparency(false);
+}
+
+void TestElements::flowPlacesItsItems_data()
+{
+    QTest::addColumn<QList<QSizeF>>("items");
+    QTest::addColumn<QList<QPointF>>("places");
+    QTest::addColumn<double>("height");
+    using Sizes = QList<QSizeF>;
+    using Points = QList<QPointF>;
+    QTest::newRow("none") << Sizes {} << Points {} << 0.0;
+    QTest::newRow("up to the edge") << Sizes { { 40, 10 }, { 56, 20 } } << Points { { 0, 0 }, { 44, 0 } }
+                                    << 20.0;
+    QTest::newRow("the highest of a line counts")
+        << Sizes { { 40, 30 }, { 50, 10 }, { 20, 10 } } << Points { { 0, 0 }, { 44, 0 }, { 0, 34 } } << 44.0;
+    QTest::newRow("the first wider than the row")
+        << Sizes { { 120, 10 }, { 30, 10 } } << Points { { 0, 4 }, { 0, 18 } } << 28.0;
+}
+
+void TestElements::flowPlacesItsItems()
+{
+    QFETCH(QList<QSizeF>, items);
+    QFETCH(QList<QPointF>, places);
+    QFETCH(double, height);
+    FlowRow row;
+    row.setSpacing(4);
+    for (const QSizeF &size : items) {
+        auto *item = new QQuickItem(&row);
+        item->setSize(size);
+    }
+    QQuickItem repeater(&row);
+    row.setWidth(100);
+    for (qsizetype i = 0; i < places.size(); ++i)
+        QCOMPARE(row.childItems().at(i)->position(), places.at(i));
+    QCOMPARE(row.implicitHeight(), height);
+}
+
+void TestElements::aPillCountsOnlyWhileItIsSeen()
+{
+    auto view = m_scene.makeView(QUrl(u"qrc:/qt/qml/Kestrel/Ui/CountdownPill.qml"_s),
+                                 { { u"countdown"_s, QVariant::fromValue(&*m_countdown) } });
+    QVERIFY(view && !m_countdown->isRunning());
+    view->show();
+    QVERIFY(m_countdown->isRunning());
+    view->hide();
+    QVERIFY(!m_countdown->isRunning());
+    view->show();
+    view.reset();
+    QVERIFY(!m_countdown->isRunning());
+}
+
+void TestElements::chipsShowTheFirstAndThenAll()
+{
+    AttendeeModel model(2);
+    model.setAttendees({ Attendee { u"1"_s, {}, {} }, Attendee { u"2"_s, {}, {} } });
+    QCOMPARE(model.hiddenText(), QString());
+    model.setAttendees(
+        { Attendee { u"1"_s, {}, {} }, Attendee { u"2"_s, {}, {} }, Attendee { u"3"_s, {}, {} } });
+    QCOMPARE(model.rowCount(), 2);
+    QCOMPARE(model.hiddenText(), u"+1"_s);
+    model.expand();
+    QCOMPARE(model.rowCount(), 3);
+    QCOMPARE(model.hiddenText(), QString());
+}
+
+} // namespace kestrel
+
+QTEST_MAIN(kestrel::TestElements)
+#include "TestElements.moc"
