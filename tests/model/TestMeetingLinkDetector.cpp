@@ -56,12 +56,19 @@ private Q_SLOTS:
             u"zoom https://a.zoom.us/my/ana"_s);
         row("Zoom without a subdomain", u"https://zoom.us/j/1)"_s, {}, u"zoom https://zoom.us/j/1"_s);
         row("Zoom below two labels", u"https://a.b.zoom.us/j/1/x"_s, {}, u"zoom https://a.b.zoom.us/j/1/x"_s);
+        row("Zoom with nothing behind the slash", u"https://a.zoom.us/j/ https://acme.webex.com/wbxmjs/1"_s,
+            {}, u"webex https://acme.webex.com/wbxmjs/1"_s);
+        row("a longer label before Zoom's domain", u"https://notzoom.us/j/1/x"_s, {},
+            u"zoom https://notzoom.us/j/1/x"_s);
+        row("a port", u"https://whereby.com:443/ana)"_s, {}, u"whereby https://whereby.com:443/ana"_s);
         row("Zoom's other pages", u"https://a.zoom.us/rec/1 https://a.zoom.us/j/2"_s, {},
             u"zoom https://a.zoom.us/j/2"_s);
         row("Webex", u"https://acme.webex.com/acme/j.php?MTID=m1 https://acme.webex.com/meet/ana"_s, {},
             u"webex https://acme.webex.com/meet/ana"_s);
         row("GoTo short link keeps its full stop", u"https://gotomeet.me/ana."_s, {},
             u"gotoMeeting https://gotomeet.me/ana."_s);
+        row("GoTo with www", u"https://www.gotomeet.me/ana."_s, {},
+            u"gotoMeeting https://www.gotomeet.me/ana."_s);
         row("GoTo's long short link is not allowlisted", u"https://gotomeeting.me/ana."_s, {},
             u"other:gotomeeting.me https://gotomeeting.me/ana"_s);
         row("GoTo global join", u"https://global.gotomeeting.com/join/1"_s, {},
