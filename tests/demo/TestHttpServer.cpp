@@ -56,42 +56,22 @@ private Q_SLOTS:
         }
     }
 
-    void answersRequestsOfOneConnectionInTheirOrder()
-    {
-        send("GET /1 HTTP/1.1\r\n\r\nGET /2 HTTP/1.1\r\n\r\nGET /3 HTTP/1.1\r\nConnection: close\r\n\r\n"
-             "GET /4 HTTP/1.1\r\n\r\n");
-        QTRY_COMPARE(m_socket.state(), QAbstractSocket::UnconnectedState);
-        const QByteArray text = received();
-        QCOMPARE(text.count("HTTP/1.1 200 OK\r\n"), 3);
-        QVERIFY(text.indexOf("GET /1") < text.indexOf("GET /2"));
-        QVERIFY(text.indexOf("GET /2") < text.indexOf("GET /3"));
-        QVERIFY(text.contains("Connection: close"));
-    }
-
     void refusesAndCloses_data()
     {
         QTest::addColumn<QByteArray>("bytes");
-        QTest::addColumn<QByteArray>("status");
-        QTest::newRow("endless head")
-            << "GET / HTTP/1.1\r\nX: " + QByteArray(largestHead, 'x') << QByteArray("431");
-        QTest::newRow("body over the bound")
-            << QByteArray("POST / HTTP/1.1\r\nContent-Length: 1048577\r\n\r\n") << QByteArray("413");
-        QTest::newRow("body without a length")
-            << QByteArray("POST / HTTP/1.1\r\nTransfer-Encoding: chunked\r\n\r\n") << QByteArray("411");
-        QTest::newRow("length below zero")
-            << QByteArray("POST / HTTP/1.1\r\nContent-Length: -1\r\n\r\n") << QByteArray("400");
-        QTest::newRow("proxy request")
-            << QByteArray("GET http://example.com/ HTTP/1.1\r\n\r\n") << QByteArray("400");
-        QTest::newRow("another protocol") << QByteArray("\x16\x03\x01 hello\r\n\r\n") << QByteArray("400");
+        QTest::newRow("431") << "GET / HTTP/1.1\r\nX: " + QByteArray(largestHead, 'x');
+        QTest::newRow("413") << "POST / HTTP/1.1\r\nContent-Length: 1048577\r\n\r\n"_ba;
+        QTest::newRow("411") << "POST / HTTP/1.1\r\nTransfer-Encoding: chunked\r\n\r\n"_ba;
+        QTest::newRow("400") << "POST / HTTP/1.1\r\nContent-Length: -1\r\n\r\n"_ba;
     }
 
     void refusesAndCloses()
     {
         QFETCH(QByteArray, bytes);
-        QFETCH(QByteArray, status);
         send(bytes);
         QTRY_COMPARE(m_socket.state(), QAbstractSocket::UnconnectedState);
-        QVERIFY2(received().startsWith("HTTP/1.1 " + status + ' '), received().left(100).constData());
+        QVERIFY2(received().startsWith("HTTP/1.1 "_ba + QTest::currentDataTag()),
+                 received().left(100).constData());
     }
 
     void listensOn127001Alone()
