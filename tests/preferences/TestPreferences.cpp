@@ -1,31 +1,12 @@
-#include "platform/LoginItem.h"
 #include "preferences/Preferences.h"
 #include "support/FakePreferenceStore.h"
 #include <QMetaProperty>
-#include <QRegularExpression>
 #include <QSignalSpy>
 #include <QTest>
 
 using namespace Qt::StringLiterals;
 
 namespace kestrel {
-
-namespace {
-
-class FakeLoginItem final : public LoginItem
-{
-public:
-    [[nodiscard]] std::expected<void, QString> setEnabled(bool enabled) override
-    {
-        asked.append(enabled);
-        return answer;
-    }
-
-    QList<bool> asked;
-    std::expected<void, QString> answer;
-};
-
-} // namespace
 
 class TestPreferences final : public QObject
 {
@@ -83,15 +64,6 @@ private Q_SLOTS:
             preferences.setRawHotkey(action.rawValue, action.action);
             QCOMPARE(preferences.property(property).toString(), action.rawValue);
         }
-    }
-
-    void aValueOfAnotherTypeReadsAsTheDefault()
-    {
-        FakePreferenceStore store;
-        const Preferences preferences(store);
-        store.values = { { u"leadTimeMinutes"_s, u"ten"_s }, { u"launchAtLogin"_s, qint64(0) } };
-        QCOMPARE(preferences.leadTimeMinutes(), 5);
-        QCOMPARE(preferences.launchAtLogin(), true);
     }
 
     void observersHearBeforeAndAfterEveryAssignment()
@@ -230,16 +202,6 @@ private Q_SLOTS:
         preferences.resetHotkey(action);
         QCOMPARE(store.string(u"hotkey.meet.leave"_s), QString());
         QCOMPARE(preferences.hotkey(action), fallback);
-    }
-
-    void aLoginItemThatFailsIsLoggedAndNothingElse()
-    {
-        FakeLoginItem loginItem;
-        setLaunchAtLogin(true, loginItem);
-        loginItem.answer = std::unexpected(u"read-only file system"_s);
-        QTest::ignoreMessage(QtCriticalMsg, "LaunchAtLogin toggle failed: read-only file system");
-        setLaunchAtLogin(false, loginItem);
-        QCOMPARE(loginItem.asked, (QList<bool> { true, false }));
     }
 };
 
