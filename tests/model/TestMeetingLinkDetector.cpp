@@ -45,9 +45,11 @@ private Q_SLOTS:
             u"https://meet.google.com/abc-defg-h1j https://meet.google.com/abc-defg-hij"_s, {},
             u"googleMeet https://meet.google.com/abc-defg-hij"_s);
         row("Teams, escaped",
-            u"<a href=\"https://teams.microsoft.com/l/meetup-join/19%3a1/0?context=%7b%7d&amp;anon=true\">x</a>"_s,
+            u"<a href=\"https://teams.microsoft.com/l/meetup-join/19%3a1/0?context=%7b%7d&amp;anon=true.\">x</a>"_s,
             {},
-            u"microsoftTeams https://teams.microsoft.com/l/meetup-join/19%3A1/0?context=%7B%7D&anon=true"_s);
+            u"microsoftTeams https://teams.microsoft.com/l/meetup-join/19%3A1/0?context=%7B%7D&anon=true."_s);
+        row("Teams for consumers", u"https://teams.live.com/meet/93?p=x."_s, {},
+            u"microsoftTeams https://teams.live.com/meet/93?p=x."_s);
         row("meetup-join elsewhere", u"https://example.org/l/meetup-join/1"_s, {},
             u"other:example.org https://example.org/l/meetup-join/1"_s);
         row("Zoom", u"https://us02web.zoom.us/j/123?pwd=a.b-c_d"_s, {},
@@ -71,8 +73,8 @@ private Q_SLOTS:
             u"gotoMeeting https://www.gotomeet.me/ana."_s);
         row("GoTo's long short link is not allowlisted", u"https://gotomeeting.me/ana."_s, {},
             u"other:gotomeeting.me https://gotomeeting.me/ana"_s);
-        row("GoTo global join", u"https://global.gotomeeting.com/join/1"_s, {},
-            u"gotoMeeting https://global.gotomeeting.com/join/1"_s);
+        row("GoTo global join", u"https://global.gotomeeting.com/join/1."_s, {},
+            u"gotoMeeting https://global.gotomeeting.com/join/1."_s);
         row("Whereby", u"https://whereby.com/ana)"_s, {}, u"whereby https://whereby.com/ana)"_s);
         row("Whereby of a tenant", u"https://a-b.c.whereby.com/ana"_s, {},
             u"whereby https://a-b.c.whereby.com/ana"_s);
