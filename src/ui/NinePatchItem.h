@@ -11,8 +11,7 @@ namespace kestrel {
 class NinePatchItem : public QQuickItem
 {
     Q_OBJECT
-    QML_ELEMENT
-    QML_UNCREATABLE("a base")
+    QML_ANONYMOUS
     Q_PROPERTY(qreal radius READ radius WRITE setRadius NOTIFY radiusChanged)
 public:
     [[nodiscard]] qreal radius() const { return m_radius; }
