@@ -15,7 +15,7 @@ namespace kestrel {
 namespace {
 
 // The linker drops what nobody names, and with it the registration of the module's types.
-[[maybe_unused]] void (*const volatile keepModule)() = &qml_register_types_Kestrel_Alerts;
+[[gnu::used]] void (*const volatile keepModule)() = &qml_register_types_Kestrel_Alerts;
 
 /// Rows and wrapped texts learn their sizes when they are polished, which a hidden window never does.
 void polish(QQuickItem &item)
