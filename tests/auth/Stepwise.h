@@ -41,85 +41,75 @@ private:
     bool m_isOpen = false;
 };
 
-/// The platform's services with a gate before each call.
-class StepwiseSecretStore final : public SecretStore
+/// A service of the platform with a gate before each call.
+template<typename Service>
+class Stepwise : public Service
 {
 public:
-    StepwiseSecretStore(SecretStore &store, Gate &gate)
-        : m_store(store)
+    Stepwise(Service &service, Gate &gate)
+        : m_service(service)
         , m_gate(gate)
     {
     }
+
+protected:
+    Service &m_service;
+    Gate &m_gate;
+};
+
+class StepwiseSecretStore final : public Stepwise<SecretStore>
+{
+public:
+    using Stepwise::Stepwise;
 
     QCoro::Task<std::expected<QByteArray, SecretStatus>> copyMatching(SecretItem item) override
     {
         co_await m_gate.pass();
-        co_return co_await m_store.copyMatching(item);
+        co_return co_await m_service.copyMatching(item);
     }
     QCoro::Task<SecretStatus> update(SecretItem item, QByteArray data) override
     {
         co_await m_gate.pass();
-        co_return co_await m_store.update(item, data);
+        co_return co_await m_service.update(item, data);
     }
     QCoro::Task<SecretStatus> add(SecretItem item, QByteArray data) override
     {
         co_await m_gate.pass();
-        co_return co_await m_store.add(item, data);
+        co_return co_await m_service.add(item, data);
     }
     QCoro::Task<SecretStatus> remove(SecretItem item) override
     {
         co_await m_gate.pass();
-        co_return co_await m_store.remove(item);
+        co_return co_await m_service.remove(item);
     }
-
-private:
-    SecretStore &m_store;
-    Gate &m_gate;
 };
 
-class StepwiseTransport final : public HttpTransport
+class StepwiseTransport final : public Stepwise<HttpTransport>
 {
 public:
-    StepwiseTransport(HttpTransport &transport, Gate &gate)
-        : m_transport(transport)
-        , m_gate(gate)
-    {
-    }
+    using Stepwise::Stepwise;
 
     QCoro::Task<std::expected<HttpResponse, TransportError>> send(HttpRequest request) override
     {
         co_await m_gate.pass();
-        co_return co_await m_transport.send(request);
+        co_return co_await m_service.send(request);
     }
     QCoro::Task<std::expected<void, TransportError>> waitForNetwork(QString account, QUrl address) override
     {
-        co_await m_gate.pass();
-        co_return co_await m_transport.waitForNetwork(account, address);
+        return m_service.waitForNetwork(account, address);
     }
-
-private:
-    HttpTransport &m_transport;
-    Gate &m_gate;
 };
 
-class StepwiseOpener final : public UrlOpener
+class StepwiseOpener final : public Stepwise<UrlOpener>
 {
 public:
-    StepwiseOpener(UrlOpener &opener, Gate &gate)
-        : m_opener(opener)
-        , m_gate(gate)
-    {
-    }
+    using Stepwise::Stepwise;
 
     QCoro::Task<bool> open(QUrl url) override
     {
         co_await m_gate.pass();
-        co_return co_await m_opener.open(url);
+        co_return co_await m_service.open(url);
     }
-
-private:
-    UrlOpener &m_opener;
-    Gate &m_gate;
 };
 
 } // namespace kestrel
