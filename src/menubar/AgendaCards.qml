@@ -1,5 +1,6 @@
 pragma ComponentBehavior: Bound
 import QtQuick
+import Kestrel.Menubar
 import Kestrel.Ui
 
 /// The cards under their headers and, below them, the rest of the day. Makes no more cards than fit into its

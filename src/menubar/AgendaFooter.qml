@@ -1,5 +1,6 @@
 pragma ComponentBehavior: Bound
 import QtQuick
+import Kestrel.Menubar
 import Kestrel.Ui
 
 /// Settings, refresh and quit.

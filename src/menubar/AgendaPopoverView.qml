@@ -1,5 +1,6 @@
 pragma ComponentBehavior: Bound
 import QtQuick
+import Kestrel.Menubar
 import Kestrel.Ui
 
 /// The agenda: today's date, the cards of what runs and comes next, the rest of today, the footer; without an

@@ -1,4 +1,5 @@
 import QtQuick
+import Kestrel.Menubar
 import Kestrel.Ui
 
 /// A piece of a small grey line: a dot before it unless it is the first, a symbol, a text.

@@ -1,5 +1,6 @@
 pragma ComponentBehavior: Bound
 import QtQuick
+import Kestrel.Menubar
 import Kestrel.Ui
 
 /// The large card of a meeting that runs or comes next. Enter joins it.

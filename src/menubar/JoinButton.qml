@@ -1,5 +1,6 @@
 pragma ComponentBehavior: Bound
 import QtQuick
+import Kestrel.Menubar
 import Kestrel.Ui
 
 /// Joins the meeting. Prominent: green, on cards; compact: its symbol alone, in rows.

@@ -1,4 +1,5 @@
 import QtQuick
+import Kestrel.Menubar
 import Kestrel.Ui
 
 /// What is shown while there is no account; comes from elsewhere, and is there only while it is needed.

@@ -1,4 +1,5 @@
 import QtQuick
+import Kestrel.Menubar
 import Kestrel.Ui
 
 /// How much of a running meeting has passed, and the minutes that are left.

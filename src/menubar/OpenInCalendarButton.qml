@@ -1,4 +1,5 @@
 import QtQuick
+import Kestrel.Menubar
 import Kestrel.Ui
 
 /// Opens the meeting's own page in the calendar.

@@ -1,4 +1,5 @@
 import QtQuick
+import Kestrel.Menubar
 import Kestrel.Ui
 
 /// A row's second line: platform, duration, attendees. A platform's long name gives way.
