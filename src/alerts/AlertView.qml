@@ -1,5 +1,6 @@
 pragma ComponentBehavior: Bound
 import QtQuick
+import Kestrel.Alerts
 import Kestrel.Ui
 import Kestrel.Menubar
 
