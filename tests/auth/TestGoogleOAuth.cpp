@@ -1,4 +1,5 @@
 #include "auth/GoogleOAuth.h"
+#include "auth/PlayedBrowser.h"
 #include "auth/Stepwise.h"
 #include "base/Started.h"
 #include "support/FakeHttpTransport.h"
@@ -66,21 +67,6 @@ class TestGoogleOAuth final : public QObject
         return std::make_unique<GoogleOAuth>(u"A"_s, services(*m_secrets, *m_transport, *m_opener));
     }
 
-    /// Plays the browser: comes back to the redirect address.
-    void comeBack(const QUrl &asked)
-    {
-        const QUrlQuery query(asked);
-        const QUrl redirect(query.queryItemValue(u"redirect_uri"_s, QUrl::FullyDecoded));
-        QString target = m_callback;
-        target.replace(u"STATE"_s, query.queryItemValue(u"state"_s));
-        auto *socket = new QTcpSocket(this);
-        connect(socket, &QTcpSocket::disconnected, socket, &QObject::deleteLater);
-        const QByteArray request = "GET " + redirect.path().toUtf8() + target.toUtf8()
-            + " HTTP/1.1\r\nHost: " + redirect.authority().toUtf8() + "\r\n\r\n";
-        connect(socket, &QTcpSocket::connected, socket, [socket, request] { socket->write(request); });
-        socket->connectToHost(redirect.host(), static_cast<quint16>(redirect.port()));
-    }
-
     /// What the token endpoint answers from now on; status 0: no answer, -1: an answer without one.
     void answerTokens(int status, const QByteArray &body)
     {
@@ -100,7 +86,7 @@ private Q_SLOTS:
     {
         m_secrets = std::make_unique<FakeSecretStore>();
         m_opener = std::make_unique<FakeUrlOpener>();
-        m_opener->onOpen = [this](const QUrl &url) { comeBack(url); };
+        m_opener->onOpen = [this](const QUrl &url) { comeBack(url, m_callback); };
         m_client = { u"id.example"_s, u"client-secret"_s };
         m_callback = u"?code=the%2Fcode&state=STATE"_s;
         answerTokens(200, R"({"access_token":"at","refresh_token":"rt","expires_in":3599})");

@@ -1,9 +1,8 @@
+#include "auth/PlayedBrowser.h"
 #include "google/GoogleProvider.h"
 #include "support/FakeGoogle.h"
 #include <QSignalSpy>
-#include <QTcpSocket>
 #include <QTest>
-#include <QUrlQuery>
 #include <QUuid>
 
 using namespace Qt::StringLiterals;
@@ -40,25 +39,6 @@ struct Provider
                                                google.clock.now() + 24h);
     }
 };
-
-/// Plays the browser of a sign-in: the person agrees, and Google sends the browser back with a code.
-void agree(const QUrl &authorization)
-{
-    const QUrlQuery asked(authorization);
-    QUrl back(asked.queryItemValue(u"redirect_uri"_s, QUrl::FullyDecoded));
-    QUrlQuery answer;
-    answer.addQueryItem(u"code"_s, u"a-code"_s);
-    answer.addQueryItem(u"state"_s, asked.queryItemValue(u"state"_s));
-    back.setQuery(answer);
-
-    auto *browser = new QTcpSocket(QCoreApplication::instance());
-    QObject::connect(browser, &QTcpSocket::connected, browser, [browser, back] {
-        browser->write("GET " + back.toEncoded(QUrl::RemoveScheme | QUrl::RemoveAuthority)
-                       + " HTTP/1.1\r\nHost: " + back.authority().toUtf8() + "\r\n\r\n");
-    });
-    QObject::connect(browser, &QTcpSocket::disconnected, browser, &QObject::deleteLater);
-    browser->connectToHost(back.host(), static_cast<quint16>(back.port()));
-}
 
 } // namespace
 
@@ -159,7 +139,7 @@ private Q_SLOTS:
     void signInRegistersAnAccountWhoseSessionIsThere()
     {
         FakeGoogle google;
-        google.opener.onOpen = agree;
+        google.opener.onOpen = [](const QUrl &url) { comeBack(url, u"?code=a-code&state=STATE"_s); };
         google.transport.answer(u"/token"_s, 200,
                                 R"({"access_token":"access","refresh_token":"refresh","expires_in":3600})");
         google.transport.answer(u"/v1/userinfo"_s, 200, R"({"email":"ada@example.com"})");

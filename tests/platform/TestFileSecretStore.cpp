@@ -1,5 +1,5 @@
+#include "platform/SecretText.h"
 #include "platform/linux/FileSecretStore.h"
-#include <QCoro/QCoroTask>
 #include <QDir>
 #include <QFile>
 #include <QSignalSpy>
@@ -17,18 +17,6 @@ constexpr auto onlyMine = QFile::ReadOwner | QFile::WriteOwner | QFile::ReadUser
 
 const SecretItem first { u"app.example"_s, u"google.1.refresh_token"_s };
 const SecretItem second { u"app.example"_s, u"google.2.refresh_token"_s };
-
-QCoro::Task<QByteArray> read(FileSecretStore &store, SecretItem item)
-{
-    const auto found = co_await store.copyMatching(std::move(item));
-    co_return found ? *found : '[' + QByteArray::number(qToUnderlying(found.error())) + ']';
-}
-
-/// The secret, or the number of the status in brackets.
-QByteArray secret(FileSecretStore &store, const SecretItem &item)
-{
-    return QCoro::waitFor(read(store, item));
-}
 
 void put(const QString &path, const QByteArray &content)
 {

@@ -1,5 +1,5 @@
+#include "platform/SecretText.h"
 #include "platform/linux/SecretServiceStore.h"
-#include <QCoro/QCoroTask>
 #include <QDBusConnection>
 #include <QDBusConnectionInterface>
 #include <QDBusMetaType>
@@ -23,18 +23,6 @@ const SecretItem second { u"app.example"_s, u"google.2.refresh_token"_s };
 
 const QString serviceName = u"org.freedesktop.secrets"_s;
 const QString servicePath = u"/org/freedesktop/secrets"_s;
-
-QCoro::Task<QByteArray> read(SecretStore &store, SecretItem item)
-{
-    const auto found = co_await store.copyMatching(std::move(item));
-    co_return found ? *found : '[' + QByteArray::number(qToUnderlying(found.error())) + ']';
-}
-
-/// The secret, or the number of the status in brackets.
-QByteArray secret(SecretStore &store, const SecretItem &item)
-{
-    return QCoro::waitFor(read(store, item));
-}
 
 QDBusMessage call(const QString &interface, const QString &method, const QVariantList &arguments)
 {
