@@ -1,4 +1,5 @@
 import QtQuick
+import Kestrel.Ui
 
 /// One attendee: the answer as a dot, and the name.
 Item {

@@ -1,5 +1,6 @@
 pragma ComponentBehavior: Bound
 import QtQuick
+import Kestrel.Ui
 
 /// Who takes part: the first few, and behind a chip with their number the others.
 FlowRow {

@@ -1,4 +1,5 @@
 import QtQuick
+import Kestrel.Ui
 
 /// The application's icon and name, and what it is for where there is room.
 Row {

@@ -1,5 +1,6 @@
 pragma ComponentBehavior: Bound
 import QtQuick
+import Kestrel.Ui
 
 /// The colours that a calendar can be given, and the way back to its own.
 Column {

@@ -1,5 +1,6 @@
 pragma ComponentBehavior: Bound
 import QtQuick
+import Kestrel.Ui
 import QtQuick.Templates as T
 
 /// A calendar's colour as a swatch, and behind it the colours that it can be given instead.

@@ -1,4 +1,5 @@
 import QtQuick
+import Kestrel.Ui
 
 /// The calendar's colour at the edge of a row, as high as the row.
 SmoothRectangle {

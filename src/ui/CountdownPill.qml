@@ -1,5 +1,6 @@
 pragma ComponentBehavior: Bound
 import QtQuick
+import Kestrel.Ui
 
 /// The time to a meeting, in a word or two and in the colour of how near it is. Lets the countdown run
 /// while it can be seen, and only then.

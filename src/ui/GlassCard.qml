@@ -1,4 +1,5 @@
 import QtQuick
+import Kestrel.Ui
 
 /// Its content on the glass look, as wide as it is made. The shadow lies outside of it: whoever shows a card
 /// leaves Metrics.shadowReach around it, and Metrics.shadowDrop more below.

@@ -1,4 +1,5 @@
 import QtQuick
+import Kestrel.Ui
 
 /// The glass look as a background: translucent where that is allowed, the same colours in solid otherwise.
 SmoothRectangle {

@@ -1,4 +1,5 @@
 import QtQuick
+import Kestrel.Ui
 
 /// A symbol that can be pressed.
 Pressable {

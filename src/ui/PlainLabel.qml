@@ -1,4 +1,5 @@
 import QtQuick
+import Kestrel.Ui
 
 /// Text that is shown as it is: what looks like markup stays letters. Long ones end in an ellipsis.
 Text {

@@ -1,5 +1,6 @@
 pragma ComponentBehavior: Bound
 import QtQuick
+import Kestrel.Ui
 import QtQuick.Templates as T
 
 /// What every button stands on: it gives way when it is pressed, shows where the keyboard is, and has a name

@@ -12,7 +12,7 @@ namespace kestrel {
 namespace {
 
 // The linker drops what nobody names, and with it the registration of the module's types.
-[[maybe_unused]] void (*const volatile keepModule)() = &qml_register_types_Kestrel_Ui;
+[[gnu::used]] void (*const keepModule)() = &qml_register_types_Kestrel_Ui;
 
 } // namespace
 

@@ -1,4 +1,5 @@
 import QtQuick
+import Kestrel.Ui
 import QtQuick.Templates as T
 
 /// A short explanation beside what the pointer rests on; stays inside the window.
