@@ -39,6 +39,7 @@ private Q_SLOTS:
         m_received.clear();
         m_socket.connectToHost(u"127.0.0.1"_s, m_server.port());
         QTRY_COMPARE(m_socket.state(), QAbstractSocket::ConnectedState);
+        m_socket.setSocketOption(QAbstractSocket::LowDelayOption, 1);
     }
 
     void cleanup() { m_socket.abort(); }

@@ -175,6 +175,14 @@ private Q_SLOTS:
         QCOMPARE(refresh(tokens.json().value(u"refresh_token").toString()).status, 200);
     }
 
+    void consentIsPressedOnLoopbackAlone()
+    {
+        // links of meetings come to the same program
+        for (const auto &page :
+             { u"https://example.zoom.us/j/1234567890"_s, u"http://127.0.0.1.example.com/"_s })
+            QVERIFY(!QCoro::waitFor(press({ .page = QUrl(page), .account = {} })));
+    }
+
     void authorizationRequestsAreChecked_data()
     {
         QTest::addColumn<QString>("field");
