@@ -1,7 +1,7 @@
 pragma ComponentBehavior: Bound
 import QtQuick
-import Kestrel.Ui
 import QtQuick.Templates as T
+import Kestrel.Ui
 
 /// What every button stands on: it gives way when it is pressed, shows where the keyboard is, and has a name
 /// for those who cannot see it.
@@ -35,7 +35,7 @@ T.AbstractButton {
     Keys.onEnterPressed: root.clicked()
     Keys.onReturnPressed: root.clicked()
 
-    // the templates' focus ring and dimming lie over whatever content a button has
+    // dimming and focus ring lie over whatever content a button has
     Rectangle {
         anchors.fill: parent
         color: "black"
@@ -62,13 +62,16 @@ T.AbstractButton {
         visible: root.visualFocus
         z: 2
     }
+    // by file: a component of this file could not be made in the context of a button that stands on it
     Loader {
         active: root.toolTip !== "" && (root.hovered || root.visualFocus)
+        source: "ToolTipBubble.qml"
 
-        sourceComponent: ToolTipBubble {
-            parent: root
-            text: root.toolTip
-            visible: true
+        onLoaded: {
+            const bubble = item as ToolTipBubble;
+            bubble.parent = root;
+            bubble.text = root.toolTip;
+            bubble.visible = true;
         }
     }
 }
