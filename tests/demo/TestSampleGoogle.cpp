@@ -6,6 +6,7 @@
 #include <QJsonDocument>
 #include <QNetworkAccessManager>
 #include <QNetworkReply>
+#include <QTcpSocket>
 #include <QTest>
 #include <memory>
 
@@ -181,6 +182,23 @@ private Q_SLOTS:
         for (const auto &page :
              { u"https://example.zoom.us/j/1234567890"_s, u"http://127.0.0.1.example.com/"_s })
             QVERIFY(!QCoro::waitFor(press({ .page = QUrl(page), .account = {} })));
+    }
+
+    void answersOn127001AloneAndGivesFaultsInTheirOrder()
+    {
+        QTcpSocket elsewhere;
+        elsewhere.connectToHost(u"127.0.0.2"_s,
+                                static_cast<quint16>(m_google->base().port())); // this machine too
+        QTRY_VERIFY(elsewhere.error() == QAbstractSocket::ConnectionRefusedError);
+
+        for (const QString &text : { u"=status:503*1"_s, u"=status:403*1"_s })
+            m_google->addFault(Fault::fromCommandLine(eventsPath + text).value());
+        QCOMPARE(get(eventsPath).status, 503);
+        QCOMPARE(get(eventsPath).status, 403);
+        QCOMPARE(get(eventsPath).status, 200);
+        for (const auto &slip : { u"/token"_s, u"token=close"_s, u"/token=mould"_s, u"/token=status:200"_s,
+                                  u"/token=close*0"_s, u"/token=redirect:elsewhere"_s })
+            QVERIFY2(!Fault::fromCommandLine(slip), qPrintable(slip));
     }
 
     void authorizationRequestsAreChecked_data()
