@@ -2,9 +2,6 @@
 #include "platform/linux/SecretServiceStore.h"
 #include <QDBusConnection>
 #include <QDBusConnectionInterface>
-#include <QDBusMetaType>
-#include <QDBusObjectPath>
-#include <QDBusReply>
 #include <QProcess>
 #include <QSignalSpy>
 #include <QTest>
@@ -22,14 +19,6 @@ const SecretItem first { u"app.example"_s, u"google.1.refresh_token"_s };
 const SecretItem second { u"app.example"_s, u"google.2.refresh_token"_s };
 
 const QString serviceName = u"org.freedesktop.secrets"_s;
-const QString servicePath = u"/org/freedesktop/secrets"_s;
-
-QDBusMessage call(const QString &interface, const QString &method, const QVariantList &arguments)
-{
-    QDBusMessage message = QDBusMessage::createMethodCall(serviceName, servicePath, interface, method);
-    message.setArguments(arguments);
-    return QDBusConnection::sessionBus().call(message);
-}
 
 bool isKeyringThere()
 {
@@ -68,7 +57,6 @@ private:
 private Q_SLOTS:
     void initTestCase()
     {
-        qDBusRegisterMetaType<QMap<QString, QString>>();
         QVERIFY2(qEnvironmentVariable("HOME").contains(u"kestrel-keyring-"), "only under with-keyring");
         QVERIFY(isKeyringThere());
     }
@@ -102,6 +90,7 @@ private Q_SLOTS:
             QCOMPARE(QCoro::waitFor(store.update(first, "1")), SecretStatus::NotFound);
             QCOMPARE(QCoro::waitFor(store.remove(first)), SecretStatus::NotFound);
             QCOMPARE(QCoro::waitFor(store.add(first, "1")), SecretStatus::Success);
+            QCOMPARE(QCoro::waitFor(store.add(second, "another")), SecretStatus::Success);
             QCOMPARE(QCoro::waitFor(store.add(second, binary)), SecretStatus::Success);
             QCOMPARE(QCoro::waitFor(store.update(first, "")), SecretStatus::Success);
         }
@@ -111,30 +100,6 @@ private Q_SLOTS:
         QCOMPARE(secret(store, { u"app.other"_s, first.account }), "[-25300]");
         QCOMPARE(QCoro::waitFor(store.remove(first)), SecretStatus::Success);
         QCOMPARE(secret(store, first), "[-25300]");
-    }
-
-    void anItemHasExactlyTheTwoAttributesAndIsThereOnce()
-    {
-        SecretServiceStore store;
-        QCOMPARE(QCoro::waitFor(store.add(second, "2")), SecretStatus::Success);
-        QCOMPARE(QCoro::waitFor(store.add(second, "22")), SecretStatus::Success);
-        QCOMPARE(secret(store, second), "22");
-
-        const QMap<QString, QString> attributes { { u"service"_s, second.service },
-                                                  { u"account"_s, second.account } };
-        const QDBusMessage found =
-            call(u"org.freedesktop.Secret.Service"_s, u"SearchItems"_s, { QVariant::fromValue(attributes) });
-        const auto items = qdbus_cast<QList<QDBusObjectPath>>(found.arguments().at(0));
-        QCOMPARE(items.size(), 1);
-        QDBusMessage get = QDBusMessage::createMethodCall(serviceName, items[0].path(),
-                                                          u"org.freedesktop.DBus.Properties"_s, u"Get"_s);
-        get.setArguments({ u"org.freedesktop.Secret.Item"_s, u"Attributes"_s });
-        const QDBusReply<QVariant> present = QDBusConnection::sessionBus().call(get);
-        auto said = qdbus_cast<QMap<QString, QString>>(present.value());
-        // gnome-keyring gives every item without a schema this one when it writes its file
-        if (said.value(u"xdg:schema"_s) == "org.freedesktop.Secret.Generic"_L1)
-            said.remove(u"xdg:schema"_s);
-        QCOMPARE(said, attributes);
     }
 
     void manyAtOnceAllGetTheirOwn()
