@@ -1,19 +1,19 @@
 #include "app/AppEnvironment.h"
 #include "base/Clock.h"
 #include "benchmarks/BudgetTable.h"
+#include "benchmarks/Heartbeat.h"
 #include "platform/linux/QtHttpTransport.h"
 #include "support/FakeConnectivity.h"
+#include "support/FakeDesktop.h"
 #include "support/FakePreferenceStore.h"
 #include "support/FakeSecretStore.h"
 #include "support/FakeUrlOpener.h"
 #include <QCoreApplication>
 #include <QCoro/QCoroTask>
-#include <QElapsedTimer>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QLoggingCategory>
 #include <QProcess>
-#include <QTimer>
 #include <cstdio>
 
 using namespace Qt::StringLiterals;
@@ -62,36 +62,6 @@ private:
     QUrl m_base;
 };
 
-/// The longest gap of a heartbeat of one millisecond, from its making on.
-class Heartbeat final
-{
-public:
-    Heartbeat()
-    {
-        m_timer.setTimerType(Qt::PreciseTimer);
-        QObject::connect(&m_timer, &QTimer::timeout, &m_timer, [this] { beat(); });
-        m_sinceBeat.start();
-        m_timer.start(1);
-    }
-
-    [[nodiscard]] double longestGap()
-    {
-        beat();
-        return static_cast<double>(m_longest) * 1e-6;
-    }
-
-private:
-    void beat()
-    {
-        m_longest = std::max(m_longest, m_sinceBeat.nsecsElapsed());
-        m_sinceBeat.start();
-    }
-
-    QTimer m_timer;
-    QElapsedTimer m_sinceBeat;
-    qint64 m_longest = 0;
-};
-
 QStringList calendarsOf(GoogleProvider &google, const QString &account)
 {
     QStringList ids;
@@ -114,6 +84,7 @@ void benchmarkStall(benchmark::State &state)
     FakeUrlOpener opener;
     QtHttpTransport transport(connectivity);
     const SystemClock clock;
+    FakeDesktop desktop;
     QJsonArray accounts;
     for (int i = 0; i < accountCount; ++i) {
         secrets.secrets.insert(u"google.%1.refresh_token"_s.arg(accountID(i)),
@@ -122,14 +93,10 @@ void benchmarkStall(benchmark::State &state)
     }
     preferenceStore.setData(u"registeredAccounts.v1"_s, QJsonDocument(accounts).toJson());
 
-    AppEnvironment environment(preferenceStore,
-                               { secrets,
-                                 transport,
-                                 opener,
-                                 clock,
-                                 *endpoints,
-                                 { u"benchmark"_s, u"benchmark"_s },
-                                 u"benchmark"_s });
+    AppEnvironment environment(
+        preferenceStore,
+        { secrets, transport, opener, clock, *endpoints, { u"benchmark"_s, u"benchmark"_s }, u"benchmark"_s },
+        desktop.services());
     for (int i = 0; i < accountCount; ++i) {
         const QStringList ids = calendarsOf(environment.google(), accountID(i));
         if (ids.size() != calendarCount)

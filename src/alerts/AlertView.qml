@@ -1,4 +1,3 @@
-pragma ComponentBehavior: Bound
 import QtQuick
 import Kestrel.Alerts
 import Kestrel.Ui
@@ -13,7 +12,7 @@ Item {
     readonly property color tint: item.hasTint ? item.tint : Theme.accent
     /// What is drawn as the card; presses beside it belong to the windows below.
     readonly property rect body: Qt.rect(Metrics.space7, 18, 360, glass.height)
-    readonly property real radius: glass.radius
+    readonly property real radius: Metrics.radiusAlert
 
     implicitWidth: body.width + Metrics.space7 * 2
     implicitHeight: body.height + 18 + 38
@@ -69,7 +68,8 @@ Item {
         y: root.body.y
         width: root.body.width
         padding: Metrics.space4
-        radius: Metrics.radiusAlert
+        // without a compositor the window is cut to shape, and what lies outside of a drawn corner would be black
+        radius: Theme.composited ? root.radius : 0
         tint: root.tint
         tinted: true
 

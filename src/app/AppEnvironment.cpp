@@ -13,13 +13,18 @@ using namespace std::chrono_literals;
 namespace kestrel {
 
 AppEnvironment::AppEnvironment(PreferenceStore &preferenceStore, const AuthServices &services,
-                               QObject *parent)
-    : QObject(parent)
+                               const DesktopServices &desktop, QObject *parent)
+    : RefreshControl(parent)
     , m_clock(services.clock)
     , m_preferences(preferenceStore)
     , m_store(services.clock)
     , m_registry(preferenceStore)
     , m_google(m_registry, services)
+    , m_opener(m_registry, m_preferences, services.opener, desktop.applications, desktop.helper,
+               desktop.screens)
+    , m_presenter(m_preferences, m_opener, m_clock, desktop.scene, desktop.windows, desktop.screens,
+                  desktop.sounds, desktop.notifications, desktop.theme)
+    , m_scheduler(m_store, m_presenter, m_preferences, m_clock, desktop.alertTimer)
 {
     m_preferences.applyLanguageOverride();
 

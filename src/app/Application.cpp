@@ -42,21 +42,29 @@ QCoro::Task<void> printAndQuit(QCoro::Task<VerbResult> task, int &exitCode)
 
 } // namespace
 
-Application::Application(const CommandLine &line, InstancePlace place, GoogleClient client)
+Application::Application(const CommandLine &line, InstancePlace place, GoogleClient client, bool hasDisplay)
     : m_line(line)
     , m_place(std::move(place))
     , m_client(std::move(client))
+    , m_hasDisplay(hasDisplay)
     , m_instance(std::make_unique<DBusSessionInstance>(m_place.busName))
     , m_preferenceStore(std::make_unique<IniPreferenceStore>(m_place.preferencesFile))
 {
     m_language.apply(*m_preferenceStore);
     QObject::connect(m_preferenceStore.get(), &PreferenceStore::changedElsewhere, m_preferenceStore.get(),
-                     [this] { m_language.apply(*m_preferenceStore); });
+                     [this] { followLanguage(); });
     QObject::connect(m_preferenceStore.get(), &PreferenceStore::writeFailed, m_preferenceStore.get(),
                      [](const QString &message) { qCWarning(lcApp).noquote() << message; });
 }
 
 Application::~Application() = default;
+
+void Application::followLanguage()
+{
+    const bool isAnother = m_language.apply(*m_preferenceStore);
+    if (isAnother && m_delegate)
+        m_delegate->retranslate();
+}
 
 AuthServices Application::services()
 {
@@ -94,12 +102,18 @@ int Application::run()
         return printResult(failure(ExitCode::Failed, noBusMessage));
 
     const TerminationSignals signals;
-    m_environment = std::make_unique<AppEnvironment>(*m_preferenceStore, services());
-    m_verbs = std::make_unique<Verbs>(m_environment->registry(), m_environment->google(),
+    m_desktop = Desktop::make(m_hasDisplay, m_place.soundCache);
+    m_delegate = std::make_unique<AppDelegate>(
+        *m_preferenceStore, services(), m_desktop->services(),
+        AppDelegate::Start { m_line.justInstalled, missingClientMessage(m_place.clientFile, m_client) });
+    AppEnvironment &environment = m_delegate->environment();
+    m_verbs = std::make_unique<Verbs>(environment.registry(), environment.google(),
                                       missingClientMessage(m_place.clientFile, m_client));
-    m_verbs->setEnvironment(m_environment.get());
-    qCInfo(lcApp).noquote() << "Kestrel launched";
-    return QCoreApplication::exec();
+    m_verbs->setDelegate(m_delegate.get());
+    const int exitCode = QCoreApplication::exec();
+    m_verbs.reset();
+    m_delegate.reset();
+    return exitCode;
 }
 
 int Application::runVerb()

@@ -1,6 +1,7 @@
 #pragma once
-#include "app/AppEnvironment.h"
+#include "app/AppDelegate.h"
 #include "app/CommandLine.h"
+#include "app/Desktop.h"
 #include "app/InstancePlace.h"
 #include "app/Language.h"
 #include "app/Verbs.h"
@@ -18,7 +19,7 @@ class Connectivity;
 class Application final
 {
 public:
-    Application(const CommandLine &line, InstancePlace place, GoogleClient client);
+    Application(const CommandLine &line, InstancePlace place, GoogleClient client, bool hasDisplay);
     ~Application();
     Application(const Application &) = delete;
     Application &operator=(const Application &) = delete;
@@ -34,11 +35,13 @@ private:
     [[nodiscard]] QCoro::Task<VerbResult> handedOver();
     /// The accounts and their sign-in, without the refresh loop.
     void makeAccounts();
+    void followLanguage();
     [[nodiscard]] AuthServices services();
 
     CommandLine m_line;
     InstancePlace m_place;
     GoogleClient m_client;
+    bool m_hasDisplay;
     SystemClock m_clock;
     Language m_language;
     std::unique_ptr<SessionInstance> m_instance;
@@ -49,7 +52,8 @@ private:
     std::unique_ptr<UrlOpener> m_opener;
     std::unique_ptr<AccountRegistry> m_registry; ///< only while a verb works without the environment
     std::unique_ptr<GoogleProvider> m_google; ///< likewise
-    std::unique_ptr<AppEnvironment> m_environment;
+    std::unique_ptr<Desktop> m_desktop; ///< only while Kestrel itself runs, as the next one
+    std::unique_ptr<AppDelegate> m_delegate;
     std::unique_ptr<Verbs> m_verbs;
 };
 

@@ -29,6 +29,15 @@ constexpr std::array verbs {
            "Asks the running Kestrel how it is doing."_L1, 0, 0, "json"_L1 },
     Verb { "refresh"_L1, "refresh"_L1, "read the calendars now"_L1,
            "Has the running Kestrel read all calendars, and waits until it has."_L1, 0, 0, ""_L1 },
+    Verb { "join"_L1, "join"_L1, "join the meeting that is on or about to start"_L1,
+           "Opens the link of the meeting that starts within the lead time, else of one in progress, else of "
+           "the "
+           "next.\nWith none of them the agenda is shown, and the verb fails."_L1,
+           0, 0, ""_L1 },
+    Verb { "dismiss"_L1, "dismiss"_L1, "close all alert cards"_L1,
+           "Closes every alert card on the screen."_L1, 0, 0, ""_L1 },
+    Verb { "show"_L1, "show"_L1, "open the agenda"_L1,
+           "Opens the agenda on the screen of the running Kestrel."_L1, 0, 0, ""_L1 },
     Verb {
         "accounts"_L1, "accounts add | list [--json] | remove ACCOUNT"_L1, "sign in, list, sign out"_L1,
         "add opens Google's sign-in page in the browser and waits for it, two minutes at most.\n"
@@ -94,6 +103,7 @@ std::expected<CommandLine, QString> CommandLine::parse(const QStringList &argume
         { u"google-base"_s, {}, u"URL"_s },
         { u"secret-store"_s, {}, u"KIND"_s },
         { u"json"_s, {} },
+        { u"kestrel-just-installed"_s, {} },
         { u"now"_s, {}, u"INSTANT"_s },
         { u"account"_s, {}, u"ID"_s },
         { u"calendar"_s, {}, u"ID"_s },
@@ -109,6 +119,7 @@ std::expected<CommandLine, QString> CommandLine::parse(const QStringList &argume
     line.json = parser.isSet(u"json"_s);
     line.help = parser.isSet(u"help"_s);
     line.version = parser.isSet(u"version"_s);
+    line.justInstalled = parser.isSet(u"kestrel-just-installed"_s);
     if (parser.isSet(u"now"_s))
         line.now = parser.value(u"now"_s);
     if (parser.isSet(u"account"_s))

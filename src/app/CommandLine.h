@@ -22,6 +22,7 @@ struct CommandLine
     bool json = false;
     bool help = false;
     bool version = false;
+    bool justInstalled = false; ///< this start is the first of a fresh installation
     std::optional<QString> now;
     QString account { QStringLiteral("account") };
     QString calendar { QStringLiteral("primary") };

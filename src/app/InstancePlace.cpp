@@ -79,6 +79,8 @@ std::expected<InstancePlace, QString> InstancePlace::resolve(const QString &data
         place.clientFile = config + u"google-client.json"_s;
         place.secretsFile = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation)
             + u"/kestrel/secrets.json"_s;
+        place.soundCache =
+            QStandardPaths::writableLocation(QStandardPaths::GenericCacheLocation) + u"/kestrel/sounds"_s;
         return place;
     }
 
@@ -91,6 +93,7 @@ std::expected<InstancePlace, QString> InstancePlace::resolve(const QString &data
     place.preferencesFile = folder + u"/kestrel.ini"_s;
     place.clientFile = folder + u"/google-client.json"_s;
     place.secretsFile = folder + u"/secrets.json"_s;
+    place.soundCache = folder + u"/sounds"_s;
     return place;
 }
 

@@ -14,6 +14,7 @@ struct InstancePlace
     QString preferencesFile;
     QString clientFile; ///< the user's own OAuth client
     QString secretsFile; ///< used only where the file store was asked for
+    QString soundCache; ///< a folder for sounds that are not installed beside the program
     QString dataFolder; ///< empty for the person's own Kestrel
     GoogleEndpoints endpoints;
     bool isSampleGoogle = false; ///< the endpoints are a base on loopback, not Google

@@ -7,7 +7,7 @@ using namespace Qt::StringLiterals;
 
 namespace kestrel {
 
-void Language::apply(const PreferenceStore &store)
+bool Language::apply(const PreferenceStore &store)
 {
     const auto overridden = store.stringList(u"AppleLanguages"_s);
     const QStringList wanted = overridden.value_or(QLocale::system().uiLanguages());
@@ -23,11 +23,12 @@ void Language::apply(const PreferenceStore &store)
     const bool isSessions = QLocale::system().name().startsWith(language);
     QLocale::setDefault(isSessions ? QLocale::system() : QLocale(language));
     if (language == m_current)
-        return;
+        return false;
     m_current = language;
     m_translator = std::make_unique<QTranslator>();
     if (m_translator->load(u":/i18n/kestrel_"_s + language))
         QCoreApplication::installTranslator(m_translator.get());
+    return true;
 }
 
 } // namespace kestrel

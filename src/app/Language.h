@@ -12,8 +12,9 @@ class PreferenceStore;
 class Language final
 {
 public:
-    /// Installs translator and locale into the running application.
-    void apply(const PreferenceStore &store);
+    /// Installs translator and locale into the running application. True: the texts are in another language
+    /// now.
+    bool apply(const PreferenceStore &store);
 
     [[nodiscard]] QString current() const { return m_current; }
 

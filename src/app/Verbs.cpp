@@ -1,6 +1,6 @@
 #include "app/Verbs.h"
 #include "app/AgendaText.h"
-#include "app/AppEnvironment.h"
+#include "app/AppDelegate.h"
 #include "app/MeetingJson.h"
 #include "google/AccountRegistry.h"
 #include "google/CalendarDecoder.h"
@@ -73,6 +73,12 @@ Verbs::Verbs(AccountRegistry &registry, GoogleProvider &google, QString missingC
 {
 }
 
+void Verbs::setDelegate(AppDelegate *delegate)
+{
+    m_delegate = delegate;
+    m_environment = delegate ? &delegate->environment() : nullptr;
+}
+
 QCoro::Task<VerbResult> Verbs::run(QStringList arguments)
 {
     const auto line = CommandLine::parse(QStringList { u"kestrel"_s } + arguments);
@@ -89,13 +95,19 @@ QCoro::Task<VerbResult> Verbs::run(QStringList arguments)
         co_return failed(ExitCode::NotRunning,
                          u"Another Kestrel command is at work; try again in a moment."_s);
     if (line->verb.isEmpty())
-        co_return done(u"Kestrel is running already.\n"_s);
+        co_return done(u"Kestrel is running already. Show its agenda with: kestrel show\n"_s);
     if (line->verb == "agenda"_L1)
         co_return agenda(line->json);
     if (line->verb == "status"_L1)
         co_return status(line->json);
     if (line->verb == "refresh"_L1)
         co_return co_await refresh();
+    if (line->verb == "join"_L1)
+        co_return join();
+    if (line->verb == "dismiss"_L1)
+        co_return dismiss();
+    if (line->verb == "show"_L1)
+        co_return show();
     co_return failed(ExitCode::Usage, u"\"%1\" is not for a running Kestrel."_s.arg(line->verb));
 }
 
@@ -161,6 +173,26 @@ QCoro::Task<VerbResult> Verbs::refresh()
     const auto accounts = countOf(m_registry.accounts().size(), "account"_L1, "accounts"_L1);
     const auto meetings = countOf(m_environment->store().upcoming().size(), "meeting"_L1, "meetings"_L1);
     co_return done(u"%1, %2\n"_s.arg(accounts, meetings));
+}
+
+VerbResult Verbs::join()
+{
+    const auto meeting = m_delegate->joinNextMeeting();
+    if (!meeting)
+        return failed(ExitCode::Failed, u"There is no meeting with a link to join."_s);
+    return done(u"Joining: %1\n"_s.arg(terminalText(meeting->title)));
+}
+
+VerbResult Verbs::dismiss()
+{
+    m_environment->presenter().dismissAll();
+    return done({});
+}
+
+VerbResult Verbs::show()
+{
+    m_delegate->showAgenda();
+    return done({});
 }
 
 QCoro::Task<VerbResult> Verbs::addAccount()

@@ -7,6 +7,7 @@
 namespace kestrel {
 
 class AccountRegistry;
+class AppDelegate;
 class AppEnvironment;
 class GoogleProvider;
 
@@ -19,7 +20,7 @@ public:
     Verbs(AccountRegistry &registry, GoogleProvider &google, QString missingClient);
 
     /// From now on the verbs that ask the running Kestrel work too.
-    void setEnvironment(AppEnvironment *environment) { m_environment = environment; }
+    void setDelegate(AppDelegate *delegate);
 
     /// `arguments` as CommandLine::forHandOver() makes them; whatever else comes over the bus ends as a usage
     /// error.
@@ -29,6 +30,9 @@ private:
     [[nodiscard]] VerbResult agenda(bool json) const;
     [[nodiscard]] VerbResult status(bool json) const;
     [[nodiscard]] QCoro::Task<VerbResult> refresh();
+    [[nodiscard]] VerbResult join();
+    [[nodiscard]] VerbResult dismiss();
+    [[nodiscard]] VerbResult show();
     [[nodiscard]] QCoro::Task<VerbResult> addAccount();
     [[nodiscard]] VerbResult listAccounts(bool json) const;
     [[nodiscard]] QCoro::Task<VerbResult> removeAccount(QString account);
@@ -36,7 +40,8 @@ private:
     AccountRegistry &m_registry;
     GoogleProvider &m_google;
     QString m_missingClient;
-    AppEnvironment *m_environment = nullptr;
+    AppDelegate *m_delegate = nullptr;
+    AppEnvironment *m_environment = nullptr; ///< the delegate's
 };
 
 /// Prints to stdout and stderr; returns the exit code.

@@ -1,7 +1,9 @@
 #include "app/Application.h"
 #include "app/GoogleClientFile.h"
+#include "base/AppIdentifier.h"
 #include "base/Log.h"
-#include <QCoreApplication>
+#include "platform/linux/WindowSystem.h"
+#include <QGuiApplication>
 #include <cstdio>
 
 using namespace Qt::StringLiterals;
@@ -15,11 +17,37 @@ int complain(int exitCode, const QString &message)
     return exitCode;
 }
 
+/// Kestrel itself has windows where there is a display; verbs never do, and start the quicker for it.
+bool wantsWindows(int argc, char **argv)
+{
+    QStringList arguments;
+    for (int i = 0; i < argc; ++i)
+        arguments.append(QString::fromLocal8Bit(argv[i]));
+    const auto line = CommandLine::parse(arguments);
+    if (!line || !line->verb.isEmpty() || line->help || line->version)
+        return false;
+    const auto system = windowSystem();
+    if (!system)
+        return false;
+    qputenv("QT_QPA_PLATFORM", *system);
+    return true;
+}
+
+std::unique_ptr<QCoreApplication> makeApplication(bool hasDisplay, int &argc, char **argv)
+{
+    if (!hasDisplay)
+        return std::make_unique<QCoreApplication>(argc, argv);
+    QGuiApplication::setQuitOnLastWindowClosed(false);
+    QGuiApplication::setDesktopFileName(AppIdentifier);
+    return std::make_unique<QGuiApplication>(argc, argv);
+}
+
 } // namespace
 
 int main(int argc, char **argv)
 {
-    QCoreApplication application(argc, argv);
+    const bool hasDisplay = wantsWindows(argc, argv);
+    const auto application = makeApplication(hasDisplay, argc, argv);
     QCoreApplication::setApplicationName(u"kestrel"_s);
     QCoreApplication::setApplicationVersion(QStringLiteral(KESTREL_VERSION));
 
@@ -47,6 +75,6 @@ int main(int argc, char **argv)
     if (place->isSampleGoogle)
         client = GoogleClient { u"kestrel-sample"_s, u"kestrel-sample"_s };
 
-    Application kestrel(*line, *std::move(place), *std::move(client));
+    Application kestrel(*line, *std::move(place), *std::move(client), hasDisplay);
     return line->verb.isEmpty() ? kestrel.run() : kestrel.runVerb();
 }

@@ -1,4 +1,3 @@
-pragma ComponentBehavior: Bound
 import QtQuick
 import Kestrel.Menubar
 import Kestrel.Ui
@@ -64,19 +63,26 @@ Pressable {
         }
     }
 
-    contentItem: Row {
-        spacing: Metrics.space1
+    contentItem: Item {
+        implicitWidth: symbol.width + (root.compact ? 0 : Metrics.space1 + label.implicitWidth)
+        implicitHeight: Math.max(symbol.height, label.visible ? label.implicitHeight : 0)
 
         Symbol {
+            id: symbol
+
             anchors.verticalCenter: parent.verticalCenter
             name: root.item.platformSymbol
             size: 13
             color: root.ink
         }
         PlainLabel {
+            id: label
+
             anchors.verticalCenter: parent.verticalCenter
+            anchors.left: symbol.right
+            anchors.leftMargin: Metrics.space1
+            anchors.right: parent.right
             visible: !root.compact
-            width: Math.min(implicitWidth, root.availableWidth - 13 - Metrics.space1)
             text: root.item.joinText
             rounded: true
             weight: root.prominent ? Font.DemiBold : Font.Normal

@@ -1,4 +1,5 @@
 #include "app/AppEnvironment.h"
+#include "support/FakeDesktop.h"
 #include "support/FakeGoogle.h"
 #include <QSignalSpy>
 #include <QTest>
@@ -18,6 +19,7 @@ namespace {
 struct Desktop
 {
     FakeGoogle google;
+    FakeDesktop screen;
     std::unique_ptr<AppEnvironment> environment;
 
     explicit Desktop(const QStringList &accountIDs)
@@ -31,7 +33,11 @@ struct Desktop
     }
     ~Desktop() { google.finish(); }
 
-    void start() { environment = std::make_unique<AppEnvironment>(google.preferences, google.services()); }
+    void start()
+    {
+        environment =
+            std::make_unique<AppEnvironment>(google.preferences, google.services(), screen.services());
+    }
 
     /// The start, and the two refreshes that belong to it.
     void startAndSettle()

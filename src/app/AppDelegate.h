@@ -1,0 +1,51 @@
+#pragma once
+#include "app/AppEnvironment.h"
+#include "app/DesktopServices.h"
+#include "app/OnboardingModel.h"
+#include "menubar/AgendaModel.h"
+#include "menubar/AgendaPopover.h"
+#include "menubar/MenuBarController.h"
+#include <QObject>
+
+namespace kestrel {
+
+/// The running application: the environment and everything on screen that works on it. Made once the platform
+/// is up, and ends before it. Main thread only.
+class AppDelegate final : public QObject
+{
+    Q_OBJECT
+public:
+    struct Start
+    {
+        bool isJustInstalled = false;
+        QString missingClient; ///< what to say instead of a sign-in that cannot work; empty when it can
+    };
+
+    /// What it is given outlives it.
+    AppDelegate(PreferenceStore &preferenceStore, const AuthServices &services,
+                const DesktopServices &desktop, const Start &start);
+    /// Closes every alert card.
+    ~AppDelegate() override;
+
+    [[nodiscard]] AppEnvironment &environment() { return m_environment; }
+    [[nodiscard]] AgendaModel &agenda() { return m_agenda; }
+
+    /// Joins what a person would mean now, or shows the agenda where there is nothing to join. The meeting
+    /// that is joined, if any.
+    std::optional<Meeting> joinNextMeeting();
+    void showAgenda();
+    /// The language is another one.
+    void retranslate();
+
+private:
+    void showOnFirstRun(bool isJustInstalled);
+
+    PreferenceStore &m_preferenceStore;
+    AppEnvironment m_environment;
+    AgendaModel m_agenda;
+    OnboardingModel m_onboarding;
+    AgendaPopover m_popover;
+    MenuBarController m_menuBar;
+};
+
+} // namespace kestrel

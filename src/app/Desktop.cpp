@@ -1,0 +1,84 @@
+#include "app/Desktop.h"
+#include "platform/linux/AbsoluteWakeTimer.h"
+#include "platform/linux/CanberraSoundPlayer.h"
+#include "platform/linux/DBusNotifications.h"
+#include "platform/linux/DesktopApplicationLookup.h"
+#include "platform/linux/DesktopScreens.h"
+#include "platform/linux/DesktopStatusItemHost.h"
+#include "platform/linux/MakeFloatingWindows.h"
+#include "platform/linux/PortalAppearance.h"
+#include "platform/null/NullAppearance.h"
+#include "platform/null/NullFloatingWindows.h"
+#include "platform/null/NullHelperChannel.h"
+#include "platform/null/NullNotifications.h"
+#include "platform/null/NullScreens.h"
+#include "platform/null/NullSoundPlayer.h"
+#include "platform/null/NullStatusItemHost.h"
+#include "ui/QuickScene.h"
+#include "ui/Theme.h"
+
+namespace kestrel {
+
+namespace {
+
+class DisplayDesktop final : public Desktop
+{
+public:
+    explicit DisplayDesktop(const QString &soundCache)
+        : m_sounds(soundCache)
+    {
+    }
+
+    [[nodiscard]] DesktopServices services() override
+    {
+        return { m_applications, *m_windows,    m_helper,     m_notifications, m_screens,
+                 m_sounds,       *m_statusItem, m_alertTimer, m_theme,         m_scene };
+    }
+
+private:
+    PortalAppearance m_appearance;
+    DesktopApplicationLookup m_applications;
+    std::unique_ptr<FloatingWindows> m_windows = makeFloatingWindows();
+    NullHelperChannel m_helper;
+    DBusNotifications m_notifications { QDBusConnection::sessionBus() };
+    DesktopScreens m_screens;
+    CanberraSoundPlayer m_sounds;
+    std::unique_ptr<StatusItemHost> m_statusItem = makeStatusItemHost(m_appearance);
+    AbsoluteWakeTimer m_alertTimer;
+    Theme m_theme { m_appearance };
+    QuickScene m_scene;
+};
+
+class HeadlessDesktop final : public Desktop
+{
+public:
+    [[nodiscard]] DesktopServices services() override
+    {
+        return { m_applications, m_windows,    m_helper,     m_notifications, m_screens,
+                 m_sounds,       m_statusItem, m_alertTimer, m_theme,         m_scene };
+    }
+
+private:
+    NullAppearance m_appearance;
+    DesktopApplicationLookup m_applications;
+    NullFloatingWindows m_windows;
+    NullHelperChannel m_helper;
+    NullNotifications m_notifications;
+    NullScreens m_screens;
+    NullSoundPlayer m_sounds;
+    NullStatusItemHost m_statusItem;
+    AbsoluteWakeTimer m_alertTimer;
+    Theme m_theme { m_appearance };
+    QuickScene m_scene;
+};
+
+} // namespace
+
+std::unique_ptr<Desktop> Desktop::make(bool hasDisplay, const QString &soundCache)
+{
+    if (hasDisplay)
+        return std::make_unique<DisplayDesktop>(soundCache);
+    return std::make_unique<HeadlessDesktop>();
+}
+
+} // namespace kestrel

@@ -1,0 +1,39 @@
+#pragma once
+#include "app/DesktopServices.h"
+#include "support/FakeAppearance.h"
+#include "support/FakeApplicationLookup.h"
+#include "support/FakeFloatingWindows.h"
+#include "support/FakeHelperChannel.h"
+#include "support/FakeNotifications.h"
+#include "support/FakeScreens.h"
+#include "support/FakeSoundPlayer.h"
+#include "support/FakeStatusItemHost.h"
+#include "support/FakeWakeTimer.h"
+#include "ui/QuickScene.h"
+#include "ui/Theme.h"
+
+namespace kestrel {
+
+/// Every fake of what is seen and heard, together.
+struct FakeDesktop
+{
+    FakeAppearance appearance;
+    FakeApplicationLookup applications;
+    FakeFloatingWindows windows;
+    FakeHelperChannel helper;
+    FakeNotifications notifications;
+    FakeScreens screens;
+    FakeSoundPlayer sounds;
+    FakeStatusItemHost statusItem;
+    FakeWakeTimer alertTimer;
+    Theme theme { appearance };
+    QuickScene scene;
+
+    [[nodiscard]] DesktopServices services()
+    {
+        return { applications, windows,    helper,     notifications, screens,
+                 sounds,       statusItem, alertTimer, theme,         scene };
+    }
+};
+
+} // namespace kestrel
