@@ -1,8 +1,8 @@
 #include "alerts/AlertCard.h"
 #include "platform/FloatingWindows.h"
 #include "ui/QuickScene.h"
+#include "ui/RoundedRegion.h"
 #include <QMouseEvent>
-#include <QPainterPath>
 #include <QQuickItem>
 #include <algorithm>
 
@@ -23,13 +23,6 @@ void polish(QQuickItem &item)
     for (QQuickItem *child : item.childItems())
         polish(*child);
     item.ensurePolished();
-}
-
-QRegion roundedRegion(const QRect &rect, double radius)
-{
-    QPainterPath path;
-    path.addRoundedRect(rect, radius, radius);
-    return QRegion(path.toFillPolygon().toPolygon());
 }
 
 } // namespace
@@ -143,7 +136,7 @@ void AlertCard::shape()
 {
     if (!m_view || !m_view->handle())
         return;
-    const QRegion body = roundedRegion(bodyAt({}), m_view->rootObject()->property("radius").toReal());
+    const QRegion body = roundedRegion(bodyAt({}), m_view->rootObject()->property("radius").toInt());
     m_floatingWindows.setInputRegion(*m_view, body);
     m_floatingWindows.setBlurRegion(*m_view, m_theme.glassAllowed() ? body : QRegion());
     // without a compositor, see-through is black

@@ -3,8 +3,8 @@
 #include "platform/FloatingWindows.h"
 #include "platform/Screens.h"
 #include "ui/QuickScene.h"
+#include "ui/RoundedRegion.h"
 #include <QKeyEvent>
-#include <QPainterPath>
 #include <QQmlEngine>
 #include <QQuickItem>
 #include <QQuickView>
@@ -83,6 +83,8 @@ void AgendaPopover::retranslate()
 
 void AgendaPopover::open(const PopoverPlace &place)
 {
+    if (!m_screens.mainFrame())
+        return; // no screen, or no display at all, where no window may be made
     m_place = place;
     m_model.setActive(true);
     if (!m_view && !makeView()) {
@@ -150,10 +152,7 @@ void AgendaPopover::moveIntoPlace()
 void AgendaPopover::shape()
 {
     const int radius = m_view->rootObject()->property("radius").toInt();
-    const QRect whole(QPoint(), m_view->size());
-    QPainterPath path;
-    path.addRoundedRect(whole, radius, radius);
-    const QRegion rounded(path.toFillPolygon().toPolygon());
+    const QRegion rounded = roundedRegion(QRect(QPoint(), m_view->size()), radius);
     const bool isShaped = m_view->rootObject()->property("isShaped").toBool();
     m_view->setMask(isShaped ? rounded : QRegion());
     m_windows.setBlurRegion(*m_view, isShaped ? QRegion() : rounded);

@@ -14,18 +14,25 @@ Pressable {
 
     onClicked: root.item.openMap()
 
-    contentItem: Row {
-        spacing: Metrics.space1
+    contentItem: Item {
+        implicitWidth: symbol.width + Metrics.space1 + label.implicitWidth
+        implicitHeight: Math.max(symbol.height, label.implicitHeight)
 
         Symbol {
+            id: symbol
+
             anchors.verticalCenter: parent.verticalCenter
             name: "mappin.and.ellipse"
             size: 11
             color: Theme.secondaryText
         }
         PlainLabel {
+            id: label
+
             anchors.verticalCenter: parent.verticalCenter
-            width: Math.min(implicitWidth, root.availableWidth - 11 - Metrics.space1)
+            anchors.left: symbol.right
+            anchors.leftMargin: Metrics.space1
+            anchors.right: parent.right
             text: root.item.location
             size: Metrics.textSmall
             rounded: true

@@ -4,6 +4,7 @@
 #include <QQuickWindow>
 #include <cmath>
 #include <numbers>
+#include <utility>
 
 namespace kestrel {
 
@@ -21,7 +22,8 @@ void ProgressRing::setFraction(double fraction)
         return;
     m_fraction = fraction;
     // nobody saw where it stood before
-    const bool isSeen = window() && window()->isVisible() && isVisible();
+    const bool isSeen =
+        std::exchange(m_hasFraction, true) && window() && window()->isVisible() && isVisible();
     const double pixels = std::abs(fraction - m_shown) * std::numbers::pi * (width() - m_stroke)
         * (window() ? window()->effectiveDevicePixelRatio() : 1);
     if (m_glides && isSeen && pixels > 0) {

@@ -37,6 +37,7 @@ private:
     double m_stepSize = 0;
     double m_stroke = 3;
     bool m_glides = true;
+    bool m_hasFraction = false;
     QColor m_color;
     QColor m_trackColor;
     QTimer m_timer;

@@ -34,6 +34,7 @@ public:
 
     /// Whether presses anywhere on the screen can be heard (raw button events).
     [[nodiscard]] virtual bool canWatchPresses() const = 0;
+    /// Calls count: presses are heard until every true was taken back by a false.
     virtual void watchPresses(bool watch) = 0;
 
 Q_SIGNALS:

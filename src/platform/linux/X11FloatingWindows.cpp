@@ -149,7 +149,8 @@ bool X11FloatingWindows::canWatchPresses() const
 
 void X11FloatingWindows::watchPresses(bool watch)
 {
-    if (!watch) {
+    m_watchers += watch ? 1 : -1;
+    if (m_watchers == 0) {
         m_presses.reset();
     } else if (!m_presses && canWatchPresses()) {
         m_presses = std::make_unique<X11Presses>();

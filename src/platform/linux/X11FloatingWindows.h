@@ -33,6 +33,7 @@ private:
 
     X11Compositor m_compositor;
     QHash<QWindow *, QRegion> m_inputRegions;
+    int m_watchers = 0;
     std::unique_ptr<X11Presses> m_presses;
 };
 
