@@ -35,8 +35,8 @@ QUrl rewrittenForAccount(const QUrl &url, const QString &email)
     items.removeIf([](const QString &item) {
         return QUrl::fromPercentEncoding(item.section(u'=', 0, 0).toUtf8()) == "authuser"_L1;
     });
-    // "+" would arrive as a space
-    items.append("authuser="_L1 + QString::fromLatin1(QUrl::toPercentEncoding(email)));
+    // "+" would arrive as a space; an address otherwise reads as it is written
+    items.append("authuser="_L1 + QString::fromLatin1(QUrl::toPercentEncoding(email, "@")));
     QUrl rewritten = url;
     rewritten.setQuery(items.join(u'&'), QUrl::StrictMode);
     return rewritten.isValid() ? rewritten : url;

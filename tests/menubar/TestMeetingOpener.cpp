@@ -34,7 +34,7 @@ void TestMeetingOpener::handsTheRightAddressToTheRightBrowser_data()
     const QString meet = u"https://meet.google.com/abc"_s;
     const QString zoom = u"https://example.zoom.us/j/1?authuser=0"_s;
     const QString ann = u"ann+work@example.com"_s;
-    const QString named = u"authuser=ann%2Bwork%40example.com"_s;
+    const QString named = u"authuser=ann%2Bwork@example.com"_s;
     const auto tab = MeetLaunchMode::Tab;
     const auto popup = MeetLaunchMode::Popup;
     const QString none;
@@ -125,7 +125,7 @@ void TestMeetingOpener::opensForTheMeetingsAccount()
     desk.opener.openForAccount(url, desk.account);
     desk.opener.openForAccount(url, u"google:2"_s);
     desk.opener.openForAccount(url, {});
-    const QUrl named(u"https://meet.google.com/abc?authuser=ann%2Bwork%40example.com"_s);
+    const QUrl named(u"https://meet.google.com/abc?authuser=ann%2Bwork@example.com"_s);
     QCOMPARE(desk.browser.opened, (QList { named, url, url }));
 }
 

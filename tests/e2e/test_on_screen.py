@@ -1,0 +1,202 @@
+"""What a person sees and does on an X11 desktop: a panel with the countdown, the agenda, an alert card, joining."""
+
+import contextlib
+import os
+import pathlib
+import re
+import subprocess
+import tempfile
+import time
+import unittest
+import urllib.error
+
+from kestrel_session import Kestrel, SampleGoogle, wait_until
+
+WIDTH = 1600
+PANEL_HEIGHT = 27
+JOIN_GREEN = (26, 184, 115)
+CARD_WIDTH, SHADOW_SIDE, SHADOW_TOP, MARGIN = 360, 28, 18, 16
+
+
+def has_owner(name):
+    answer = subprocess.run(["gdbus", "call", "--session", "--dest", "org.freedesktop.DBus", "--object-path", "/",
+                             "--method", "org.freedesktop.DBus.NameHasOwner", name],
+                            capture_output=True, text=True, timeout=20)
+    return "true" in answer.stdout
+
+
+def item_property(name):
+    """A property of the registered status item, read as a panel reads it."""
+    items = subprocess.run(["gdbus", "call", "--session", "--dest", "org.kde.StatusNotifierWatcher", "--object-path",
+                            "/StatusNotifierWatcher", "--method", "org.freedesktop.DBus.Properties.Get",
+                            "org.kde.StatusNotifierWatcher", "RegisteredStatusNotifierItems"],
+                           capture_output=True, text=True, timeout=20).stdout
+    found = re.search(r"'(:[0-9.]+)", items)
+    if not found:
+        return None
+    answer = subprocess.run(["gdbus", "call", "--session", "--dest", found[1], "--object-path", "/StatusNotifierItem",
+                             "--method", "org.freedesktop.DBus.Properties.Get", "org.kde.StatusNotifierItem", name],
+                            capture_output=True, text=True, timeout=20)
+    value = re.search(r"<'(.*)'>", answer.stdout)
+    return value[1] if value else None
+
+
+def pixels(x, y, width, height):
+    """Rows of (red, green, blue)."""
+    raw = subprocess.run(["import", "-silent", "-window", "root", "-crop", f"{width}x{height}+{x}+{y}", "-depth", "8",
+                          "rgb:-"], capture_output=True, check=True, timeout=20).stdout
+    return [[tuple(raw[3 * (row * width + column):][:3]) for column in range(width)] for row in range(height)]
+
+
+def differing_columns(before, after):
+    return [column for column in range(len(before[0]))
+            if any(before[row][column] != after[row][column] for row in range(len(before)))]
+
+
+def windows(name):
+    """Identifiers of the visible windows whose title matches exactly."""
+    found = subprocess.run(["xdotool", "search", "--onlyvisible", "--name", f"^{name}$"], capture_output=True, text=True,
+                           timeout=20)
+    return found.stdout.split()
+
+
+def geometry(window):
+    text = subprocess.run(["xdotool", "getwindowgeometry", "--shell", window], capture_output=True, text=True,
+                          check=True, timeout=20).stdout
+    values = dict(line.split("=") for line in text.split())
+    return tuple(int(values[key]) for key in ("X", "Y", "WIDTH", "HEIGHT"))
+
+
+def xdotool(*words):
+    subprocess.run(["xdotool", *map(str, words)], check=True, timeout=60)
+
+
+class OnScreen(unittest.TestCase):
+    def setUp(self):
+        self.folder = pathlib.Path(self.enterContext(tempfile.TemporaryDirectory()))
+        environment = dict(os.environ, GSETTINGS_BACKEND="memory", NO_AT_BRIDGE="1", GTK_A11Y="none",
+                           XDG_CURRENT_DESKTOP="MATE")
+        self.end_panel = self.start(["mate-panel"], environment)
+        self.start_panel = lambda: self.start(["mate-panel"], environment)
+        wait_until(lambda: has_owner("org.kde.StatusNotifierWatcher"), "the panel's tray")
+        time.sleep(2)  # its other applets draw themselves
+        self.google = SampleGoogle()
+        self.addCleanup(self.google.stop)
+        self.opened = self.folder / "opened"
+        browser = self.folder / "browser"
+        browser.write_text(f'#!/bin/sh\ncase "$1" in\nhttp://127.0.0.1*) exec {os.environ["KESTREL_BIN"]}'
+                           f'/kestrel-sample-consent "$1" ;;\n*) echo "$1" >>{self.opened} ;;\nesac\n')
+        browser.chmod(0o755)
+        self.kestrel = Kestrel(self.google, "--secret-store", "file", browser=str(browser))
+        self.addCleanup(self.kestrel.close)
+
+    def start(self, command, environment=None):
+        process = subprocess.Popen(command, env=environment, stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL,
+                                   stderr=subprocess.DEVNULL)
+
+        def end():
+            process.terminate()
+            process.wait(20)
+        self.addCleanup(end)
+        return end
+
+    def add_event(self, **event):
+        self.google.post("/calendar-events", {"account": "robin.sample@example.com", "calendar": "primary",
+                                              "event": event})
+
+    def only_events_of_ours(self):
+        for number in range(1, 30):
+            with contextlib.suppress(urllib.error.HTTPError):  # it is another calendar's, or there is none
+                self.google.post("/calendar-events", {"account": "robin.sample@example.com", "calendar": "primary",
+                                                      "remove": f"sample{number:03}"})
+
+    def panel(self):
+        return pixels(WIDTH - 400, 0, 400 - 130, PANEL_HEIGHT)  # without the clock, which moves on by itself
+
+    def test_countdown_agenda_card_and_join(self):
+        kestrel = self.kestrel
+        empty_panel = self.panel()
+        kestrel.start()
+        wait_until(lambda: item_property("IconName"), "the status item")
+        wait_until(lambda: differing_columns(empty_panel, self.panel()), "the icon on the panel")
+
+        with self.subTest("the first start shows the agenda by itself, and a press elsewhere closes it"):
+            wait_until(lambda: windows("Kestrel"), "the agenda of the first start")
+            xdotool("mousemove", 300, 500, "click", 1)
+            wait_until(lambda: not windows("Kestrel"), "the agenda closed")
+
+        self.only_events_of_ours()
+        self.add_event(id="later", title="Later", startsInMinutes=42, meetCode="kes-demo-aaa")
+        icon_alone = self.panel()
+        kestrel.done("accounts", "add")
+        kestrel.done("refresh")
+
+        with self.subTest("the countdown is on the panel"):
+            wait_until(lambda: item_property("XAyatanaLabel") in ("in 42 min", "in 41 min"), "the countdown's text")
+            wait_until(lambda: len(differing_columns(icon_alone, self.panel())) > 20, "the countdown drawn by the panel")
+
+        with self.subTest("a click on it opens the agenda below the panel, Escape closes it"):
+            time.sleep(1)
+            columns = differing_columns(icon_alone, self.panel())
+            xdotool("mousemove", WIDTH - 400 + (columns[0] + columns[-1]) // 2, PANEL_HEIGHT // 2, "click", 1)
+            wait_until(lambda: windows("Kestrel"), "the agenda")
+            x, y, width, height = geometry(windows("Kestrel")[0])
+            self.assertEqual(width, 360)
+            self.assertGreaterEqual(y, PANEL_HEIGHT)
+            self.assertLess(y, PANEL_HEIGHT + 20)
+            self.assertLessEqual(x + width, WIDTH)
+            self.assertGreater(height, 150)
+            xdotool("key", "Escape")
+            wait_until(lambda: not windows("Kestrel"), "the agenda closed")
+
+        with self.subTest("a card comes in time and at its place, and typed text goes on to where it went"):
+            typed = self.folder / "typed"
+            self.start(["xterm", "-geometry", "60x10+100+300", "-e", f"cat >{typed}"])
+            wait_until(lambda: subprocess.run(["xdotool", "search", "--onlyvisible", "--class", "xterm"],
+                                              capture_output=True).stdout, "the terminal")
+            time.sleep(1)
+            lead, ahead = 5 * 60, 6
+            before = time.time()
+            self.add_event(id="soon", title="Card in time", startsInMinutes=(lead + ahead) / 60, meetCode="kes-demo-bbb")
+            kestrel.done("refresh")
+            start = next(m["start"] for m in kestrel.json("agenda") if m["title"] == "Card in time")
+            due = time.mktime(time.strptime(start[:19] + " UTC", "%Y-%m-%dT%H:%M:%S %Z")) - time.timezone
+            due = due + float("0" + start[19:23]) - lead
+            self.assertGreater(due, before)
+            text = "the quick brown fox jumps over the lazy dog " * 3
+            typing = subprocess.Popen(["xdotool", "type", "--delay", "90", text])
+            seen = None
+            while time.time() < due + 10 and seen is None:
+                if windows("Card in time"):
+                    seen = time.time()
+                time.sleep(0.02)
+            self.assertIsNotNone(seen, kestrel.log_text())
+            self.assertGreaterEqual(seen, due - 0.05)
+            self.assertLess(seen - due, 1)
+            typing.wait(60)
+            xdotool("key", "Return", "ctrl+d")
+            wait_until(lambda: typed.read_text() == text + "\n", "all of the text in the terminal")
+            x, y, width, height = geometry(windows("Card in time")[0])
+            self.assertEqual((x, width), (WIDTH - MARGIN - width, CARD_WIDTH + 2 * SHADOW_SIDE))
+            self.assertEqual(y, PANEL_HEIGHT + MARGIN)
+
+        with self.subTest("Join opens the link with the right account and closes the card"):
+            body = pixels(x + SHADOW_SIDE, y + SHADOW_TOP, CARD_WIDTH, height - SHADOW_TOP - 38)
+            green = [(column, row) for row, line in enumerate(body) for column, colour in enumerate(line)
+                     if all(abs(a - b) < 6 for a, b in zip(colour, JOIN_GREEN))]
+            self.assertGreater(len(green), 500)
+            middle = green[len(green) // 2]
+            xdotool("mousemove", x + SHADOW_SIDE + middle[0], y + SHADOW_TOP + middle[1], "click", 1)
+            wait_until(self.opened.exists, "the browser")
+            wait_until(lambda: not windows("Card in time"), "the card closed")
+            self.assertEqual(self.opened.read_text(),
+                             "https://meet.google.com/kes-demo-bbb?authuser=robin.sample@example.com\n")
+
+        with self.subTest("a panel that dies and comes back shows the item again"):
+            self.end_panel()
+            wait_until(lambda: not has_owner("org.kde.StatusNotifierWatcher"), "the panel's tray gone")
+            self.start_panel()
+            wait_until(lambda: item_property("XAyatanaLabel"), "the status item again")
+
+
+unittest.main()
