@@ -57,12 +57,15 @@ endfunction()
 
 # What every test runs with: folders of its own instead of the person's, no bus, an awkward zone and language.
 # QT_NO_GLIB is not set: libsecret needs the GLib dispatcher.
+file(MAKE_DIRECTORY ${CMAKE_BINARY_DIR}/test-home/runtime)
+file(CHMOD ${CMAKE_BINARY_DIR}/test-home/runtime PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE)
 set(KESTREL_TEST_ENVIRONMENT
     "HOME=${CMAKE_BINARY_DIR}/test-home"
     "XDG_CONFIG_HOME=${CMAKE_BINARY_DIR}/test-home/config"
     "XDG_DATA_HOME=${CMAKE_BINARY_DIR}/test-home/data"
     "XDG_STATE_HOME=${CMAKE_BINARY_DIR}/test-home/state"
     "XDG_CACHE_HOME=${CMAKE_BINARY_DIR}/test-home/cache"
+    "XDG_RUNTIME_DIR=${CMAKE_BINARY_DIR}/test-home/runtime"
     "DBUS_SESSION_BUS_ADDRESS=unix:path=/nonexistent"
     "QT_QPA_PLATFORM=offscreen"
     "TZ=America/St_Johns"

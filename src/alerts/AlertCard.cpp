@@ -139,8 +139,6 @@ void AlertCard::shape()
     const QRegion body = roundedRegion(bodyAt({}), m_view->rootObject()->property("radius").toInt());
     m_floatingWindows.setInputRegion(*m_view, body);
     m_floatingWindows.setBlurRegion(*m_view, m_theme.glassAllowed() ? body : QRegion());
-    // without a compositor, see-through is black
-    m_view->setMask(m_theme.isComposited() ? QRegion() : body);
 }
 
 } // namespace kestrel

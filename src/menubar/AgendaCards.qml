@@ -35,6 +35,8 @@ ListView {
     Accessible.role: Accessible.List
     Accessible.name: root.agenda.dateText
 
+    Component.onCompleted: putRowsLast()
+
     function focusCard(index: int) {
         positionViewAtIndex(index, ListView.Contain);
         itemAtIndex(index)?.forceActiveFocus(Qt.TabFocusReason);
@@ -55,6 +57,17 @@ ListView {
         } else {
             focusRow(Math.max(0, Math.min(currentRow + by, rows.count - 1)));
         }
+    }
+    /// The tabulator goes through the cards before the rows below them: it follows the order of children, and
+    /// the footer is made before any card.
+    function putRowsLast() {
+        const children = contentItem.children;
+        if (!footerItem || children[children.length - 1] === footerItem)
+            return;
+        const focused = root.Window.activeFocusItem;
+        footerItem.parent = null;
+        footerItem.parent = contentItem;
+        focused?.forceActiveFocus(Qt.OtherFocusReason);
     }
     function follow() {
         for (let item = root.Window.activeFocusItem; item && item !== root; item = item.parent) {
@@ -77,6 +90,7 @@ ListView {
 
         function onUpdated() {
             root.forceLayout();
+            root.putRowsLast();
         }
     }
     Connections {

@@ -92,9 +92,8 @@ void AgendaPopover::open(const PopoverPlace &place)
         return;
     }
     m_wasActive = false;
-    // a control that had the focus the last time would show its ring now
-    if (QQuickItem *focused = m_view->activeFocusItem())
-        focused->setFocus(false);
+    // from the whole, not from the control that had the focus the last time: that would show its ring now
+    m_view->rootObject()->forceActiveFocus(Qt::PopupFocusReason);
     fitToScreen();
     m_view->show();
     m_windows.shown(*m_view, FloatingWindows::Kind::Popover);
@@ -154,7 +153,7 @@ void AgendaPopover::shape()
     const int radius = m_view->rootObject()->property("radius").toInt();
     const QRegion rounded = roundedRegion(QRect(QPoint(), m_view->size()), radius);
     const bool isShaped = m_view->rootObject()->property("isShaped").toBool();
-    m_view->setMask(isShaped ? rounded : QRegion());
+    m_windows.setInputRegion(*m_view, rounded);
     m_windows.setBlurRegion(*m_view, isShaped ? QRegion() : rounded);
 }
 

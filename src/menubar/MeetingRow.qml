@@ -19,8 +19,10 @@ Pressable {
     bottomPadding: Metrics.space2
     radius: Metrics.radiusControl
 
-    Keys.onReturnPressed: root.item.joinOrOpen()
-    Keys.onEnterPressed: root.item.joinOrOpen()
+    function enter() {
+        root.item.joinOrOpen();
+    }
+
     onClicked: root.item.activate()
 
     background: GlassSurface {

@@ -31,8 +31,13 @@ T.AbstractButton {
         }
     }
 
-    Keys.onEnterPressed: root.clicked()
-    Keys.onReturnPressed: root.clicked()
+    /// What Enter does; a button on which it is something else than a press has its own.
+    function enter() {
+        root.clicked();
+    }
+
+    Keys.onEnterPressed: root.enter()
+    Keys.onReturnPressed: root.enter()
 
     // dimming and focus ring lie over whatever content a button has
     Rectangle {

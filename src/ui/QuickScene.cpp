@@ -22,7 +22,9 @@ QuickScene::~QuickScene() = default;
 std::unique_ptr<QQuickView> QuickScene::makeView(const QUrl &source, const QVariantMap &properties)
 {
     if (!m_engine) {
-        QQuickWindow::setGraphicsApi(QSGRendererInterface::Software);
+        // once a process: Qt complains of every further call
+        static const bool chosen = (QQuickWindow::setGraphicsApi(QSGRendererInterface::Software), true);
+        Q_UNUSED(chosen)
         m_engine = std::make_unique<QQmlEngine>();
         m_engine->addImportPath(u":/qt/qml"_s);
     }

@@ -35,7 +35,9 @@ QStringList complaints;
 
 void noteComplaint(QtMsgType type, const QMessageLogContext &context, const QString &message)
 {
-    if (type == QtWarningMsg)
+    // Qt 6.4's own, when rows go that it was about to make
+    const bool isQts = message.startsWith("DelegateModel::cancel"_L1);
+    if (type == QtWarningMsg && !isQts)
         complaints.append(message);
     formerHandler(type, context, message);
 }
@@ -303,7 +305,7 @@ void TestAgenda::worksFromTheKeyboard()
     QCOMPARE(press(Qt::Key_Down), u"MeetingRow last"_s);
     QCOMPARE(press(Qt::Key_Tab), u"JoinButton last"_s);
     press(Qt::Key_Space);
-    press(Qt::Key_Tab);
+    QCOMPARE(press(Qt::Key_Tab), u"IconButton"_s);
     press(Qt::Key_Return);
     QCOMPARE(desk.refreshControl.started, 1);
     QStringList opened;
