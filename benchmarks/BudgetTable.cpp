@@ -75,7 +75,8 @@ void BudgetTable::Finalize()
         const bool isRelative = compared != m_measured.end();
         const double limit = isRelative ? budget.factor * compared->second.min : budget.milliseconds;
         if (limit > 0) {
-            const double ratio = (isRelative ? times.min : times.median) / limit;
+            const double held = isRelative ? times.min : budget.ofWorst ? times.p99 : times.median;
+            const double ratio = held / limit;
             std::printf("%9.4f %6.2f  %s", limit, ratio, ratio <= 1 ? "within" : "OVER");
         }
         if (isRelative)

@@ -15,6 +15,7 @@ struct Budget
     double milliseconds = 0;
     std::string comparedTo = {};
     double factor = 1;
+    bool ofWorst = false; ///< a time is held against the 99th percentile instead of the median
 };
 
 /// Prints one line a budget, in their order: what was measured, what it may be, and whether it is. Held

@@ -2,8 +2,10 @@
 #include "base/Log.h"
 #include "menubar/MeetingChoice.h"
 #include "platform/PreferenceStore.h"
+#include "platform/Screens.h"
 #include "ui/Theme.h"
-#include <QCoreApplication>
+#include <QFontMetricsF>
+#include <QGuiApplication>
 #include <QTimer>
 
 using namespace Qt::StringLiterals;
@@ -48,6 +50,11 @@ AppDelegate::AppDelegate(PreferenceStore &preferenceStore, const AuthServices &s
     connect(&m_agenda, &AgendaModel::quitRequested, this, &QCoreApplication::quit, Qt::QueuedConnection);
 
     showOnFirstRun(start.isJustInstalled);
+    // the first question about a font reads the whole collection: in a quiet moment, not on the first click
+    QTimer::singleShot(3s, this, [hasScreen = desktop.screens.mainFrame().has_value()] {
+        if (hasScreen) [[maybe_unused]]
+            const qreal height = QFontMetricsF(QGuiApplication::font()).height();
+    });
     qCInfo(lcApp).noquote() << "Kestrel launched";
 }
 

@@ -13,6 +13,7 @@ ListView {
     property int currentRow: 0
 
     boundsBehavior: Flickable.StopAtBounds
+    cacheBuffer: 0
     currentIndex: -1
     keyNavigationEnabled: false
     model: agenda.cards

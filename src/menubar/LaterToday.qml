@@ -45,6 +45,7 @@ Column {
             keyNavigationEnabled: false
             interactive: contentHeight > height
             boundsBehavior: Flickable.StopAtBounds
+            cacheBuffer: 0
             spacing: Metrics.space1
             model: root.agenda.laterToday
 

@@ -39,32 +39,13 @@ T.AbstractButton {
     Keys.onEnterPressed: root.enter()
     Keys.onReturnPressed: root.enter()
 
-    // dimming and focus ring lie over whatever content a button has
-    Rectangle {
+    // dimming and focus ring lie over whatever content a button has; neither is there before it is needed
+    Loader {
         anchors.fill: parent
-        color: "black"
-        opacity: root.down ? root.pressDim : 0
-        radius: root.radius
+        active: root.down || root.visualFocus || (item && item.opacity > 0)
         z: 1
-
-        Behavior on opacity {
-            enabled: Theme.motionAllowed
-
-            NumberAnimation {
-                duration: Metrics.pressDuration
-                easing.type: Easing.OutQuad
-            }
-        }
-    }
-    Rectangle {
-        anchors.fill: parent
-        anchors.margins: -2
-        border.color: Theme.accent
-        border.width: 2
-        color: "transparent"
-        radius: root.radius + 2
-        visible: root.visualFocus
-        z: 2
+        source: "PressOverlay.qml"
+        onLoaded: (item as PressOverlay).button = root
     }
     // by file: a component of this file could not be made in the context of a button that stands on it
     Loader {
