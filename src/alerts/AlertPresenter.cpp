@@ -72,13 +72,13 @@ void AlertPresenter::present(const Meeting &meeting)
 {
     if (find(meeting.id) != m_active.end())
         return;
-    if (m_floatingWindows.canPlaceWindows()) {
-        if (!m_screens.mainVisibleFrame())
-            return;
+    const bool asCard = m_floatingWindows.canPlaceWindows();
+    if (!m_screens.mainVisibleFrame())
+        return;
+    if (asCard)
         presentCard(meeting);
-    } else {
+    else
         presentNotice(meeting);
-    }
     if (m_preferences.playSoundOnAlert())
         playSoundOnce();
     qCInfo(lcAlerts).noquote().nospace() << "Presented alert for meeting id=" << meeting.id;

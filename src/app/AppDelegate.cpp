@@ -76,7 +76,7 @@ void AppDelegate::showOnFirstRun(bool isJustInstalled)
 std::optional<Meeting> AppDelegate::joinNextMeeting()
 {
     const auto lead = static_cast<double>(m_environment.preferences().leadTimeMinutes()) * 60;
-    const auto meeting = meetingToJoin(m_environment.store(), lead, m_environment.clock().now());
+    auto meeting = meetingToJoin(m_environment.store(), lead, m_environment.clock().now());
     if (!meeting) {
         qCInfo(lcMenubar).noquote() << u"⌘⇧J → no joinable meeting, opening popover"_s;
         showAgenda();
