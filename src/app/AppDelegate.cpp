@@ -1,12 +1,15 @@
 #include "app/AppDelegate.h"
 #include "base/Log.h"
 #include "menubar/MeetingChoice.h"
+#include "platform/Notifications.h"
 #include "platform/PreferenceStore.h"
 #include "platform/Screens.h"
+#include "platform/StatusItemHost.h"
 #include "ui/Theme.h"
 #include <QFontMetricsF>
 #include <QGuiApplication>
 #include <QTimer>
+#include <tuple>
 
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
@@ -18,6 +21,7 @@ namespace kestrel {
 namespace {
 
 constexpr auto firstRunKey = "popover.hasShownInitialAutoOpen.v1"_L1;
+constexpr auto saidTrayIsMissingKey = "statusItem.saidTrayIsMissing.v1"_L1;
 
 // the linker drops what nobody names
 [[gnu::used]] void (*const keepModule)() = &qml_register_types_Kestrel_App;
@@ -49,11 +53,16 @@ AppDelegate::AppDelegate(PreferenceStore &preferenceStore, const AuthServices &s
             Qt::QueuedConnection);
     connect(&m_agenda, &AgendaModel::quitRequested, this, &QCoreApplication::quit, Qt::QueuedConnection);
 
+    connect(&desktop.statusItem, &StatusItemHost::unavailable, this,
+            [this, &notifications = desktop.notifications](const QString &message) {
+                sayTrayIsMissing(message, notifications);
+            });
+
     showOnFirstRun(start.isJustInstalled);
     // the first question about a font reads the whole collection: in a quiet moment, not on the first click
     QTimer::singleShot(3s, this, [hasScreen = desktop.screens.mainFrame().has_value()] {
-        if (hasScreen) [[maybe_unused]]
-            const qreal height = QFontMetricsF(QGuiApplication::font()).height();
+        if (hasScreen)
+            std::ignore = QFontMetricsF(QGuiApplication::font()).height();
     });
     qCInfo(lcApp).noquote() << "Kestrel launched";
 }
@@ -61,6 +70,16 @@ AppDelegate::AppDelegate(PreferenceStore &preferenceStore, const AuthServices &s
 AppDelegate::~AppDelegate()
 {
     m_environment.presenter().dismissAll();
+}
+
+void AppDelegate::sayTrayIsMissing(const QString &message, Notifications &notifications)
+{
+    qCWarning(lcMenubar).noquote() << message;
+    if (m_preferenceStore.boolean(saidTrayIsMissingKey).value_or(false))
+        return;
+    notifications.show(
+        { .key = saidTrayIsMissingKey, .title = u"Kestrel"_s, .text = message, .actions = {} });
+    m_preferenceStore.setBoolean(saidTrayIsMissingKey, true);
 }
 
 void AppDelegate::showOnFirstRun(bool isJustInstalled)
@@ -93,9 +112,10 @@ void AppDelegate::retranslate()
     m_menuBar.updateTitle();
 }
 
-void AppDelegate::showAgenda()
+bool AppDelegate::showAgenda()
 {
     m_menuBar.showPopover();
+    return m_popover.isShown();
 }
 
 } // namespace kestrel

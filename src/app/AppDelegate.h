@@ -33,12 +33,15 @@ public:
     /// Joins what a person would mean now, or shows the agenda where there is nothing to join. The meeting
     /// that is joined, if any.
     std::optional<Meeting> joinNextMeeting();
-    void showAgenda();
+    /// False where there is no screen to show it on.
+    bool showAgenda();
     /// The language is another one.
     void retranslate();
 
 private:
     void showOnFirstRun(bool isJustInstalled);
+    /// Once per person, not at every login.
+    void sayTrayIsMissing(const QString &message, Notifications &notifications);
 
     PreferenceStore &m_preferenceStore;
     AppEnvironment m_environment;

@@ -191,7 +191,8 @@ VerbResult Verbs::dismiss()
 
 VerbResult Verbs::show()
 {
-    m_delegate->showAgenda();
+    if (!m_delegate->showAgenda())
+        return failed(ExitCode::Failed, u"This Kestrel runs without a display."_s);
     return done({});
 }
 

@@ -1,0 +1,132 @@
+#include "app/AppDelegate.h"
+#include "support/FakeDesktop.h"
+#include "support/FakeGoogle.h"
+#include <QQmlEngine>
+#include <QQuickView>
+#include <QSignalSpy>
+#include <QTest>
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+
+namespace kestrel {
+
+namespace {
+
+Meeting meeting(const QString &id, Instant start, std::chrono::minutes length)
+{
+    Meeting made;
+    made.id = id;
+    made.accountID = u"A"_s;
+    made.title = id;
+    made.start = start;
+    made.end = start + length;
+    made.meetingURL = QUrl(u"https://meet.example.com/"_s + id);
+    return made;
+}
+
+} // namespace
+
+/// The whole application on fakes, drawn off screen.
+class TestAppDelegate : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init()
+    {
+        google = std::make_unique<FakeGoogle>();
+        desktop = std::make_unique<FakeDesktop>();
+    }
+
+    void cleanup()
+    {
+        delegate.reset();
+        google->finish();
+    }
+
+    void joinsWhatAPersonWouldMeanNow()
+    {
+        google->preferences.setBoolean(u"popover.hasShownInitialAutoOpen.v1"_s, true);
+        AccountRegistry(google->preferences).add(google->account(u"A"_s));
+        start();
+        const Instant now = google->clock.now();
+        EventStore &store = delegate->environment().store();
+
+        QVERIFY(!delegate->joinNextMeeting());
+        QVERIFY2(isAgendaShown(), "nothing to join: the agenda instead");
+        QVERIFY(google->opener.opened.isEmpty());
+
+        store.replace(u"A"_s,
+                      { meeting(u"running"_s, now - 10min, 30min), meeting(u"soon"_s, now + 4min, 30min) });
+        QCOMPARE(delegate->joinNextMeeting()->id, u"soon"_s);
+        delegate->environment().preferences().setLeadTimeMinutes(1);
+        QCOMPARE(delegate->joinNextMeeting()->id, u"running"_s);
+        QCOMPARE(google->opener.opened.size(), 2);
+    }
+
+    void onboardingSaysWhatWentWrongAndForgetsItAtTheNextPress()
+    {
+        google->preferences.setBoolean(u"popover.hasShownInitialAutoOpen.v1"_s, true);
+        start();
+        OnboardingModel onboarding(delegate->environment().google(), {});
+        google->opener.succeeds = false;
+        onboarding.connectAccount();
+        QTRY_VERIFY(!onboarding.isSigningIn());
+        QVERIFY(!onboarding.error().isEmpty());
+
+        google->opener.succeeds = true; // a browser that nobody answers in
+        onboarding.connectAccount();
+        QVERIFY(onboarding.isSigningIn());
+        QVERIFY(onboarding.error().isEmpty());
+
+        OnboardingModel without(delegate->environment().google(), u"make a client first"_s);
+        without.connectAccount();
+        QVERIFY(!without.isSigningIn());
+        QCOMPARE(without.error(), u"make a client first"_s);
+    }
+
+    void theFirstStartShowsOnboardingOnceAndWithoutAWarning()
+    {
+        QTest::failOnWarning(QRegularExpression(u"qrc:"_s));
+        start();
+        QVERIFY(!isAgendaShown());
+        QTRY_VERIFY(isAgendaShown());
+        QCOMPARE(google->preferences.boolean(u"popover.hasShownInitialAutoOpen.v1"_s), true);
+    }
+
+    void aMissingTrayIsSaidOnceForAll()
+    {
+        google->preferences.setBoolean(u"popover.hasShownInitialAutoOpen.v1"_s, true);
+        for (int login = 0; login < 2; ++login) {
+            start();
+            Q_EMIT desktop->statusItem.unavailable(u"install a tray"_s);
+            delegate.reset();
+        }
+        QCOMPARE(desktop->notifications.shown.size(), 1);
+        QCOMPARE(desktop->notifications.shown.first().text, u"install a tray"_s);
+    }
+
+private:
+    void start()
+    {
+        delegate = std::make_unique<AppDelegate>(google->preferences, google->services(), desktop->services(),
+                                                 AppDelegate::Start());
+    }
+
+    [[nodiscard]] static bool isAgendaShown()
+    {
+        return std::ranges::any_of(QGuiApplication::topLevelWindows(), [](const QWindow *window) {
+            return window->title() == "Kestrel"_L1 && window->isVisible();
+        });
+    }
+
+    std::unique_ptr<FakeGoogle> google;
+    std::unique_ptr<FakeDesktop> desktop;
+    std::unique_ptr<AppDelegate> delegate;
+};
+
+} // namespace kestrel
+
+QTEST_MAIN(kestrel::TestAppDelegate)
+#include "TestAppDelegate.moc"
