@@ -41,17 +41,18 @@ QString formatDuration(double seconds)
 
 QString relativeText(Instant then, Instant now)
 {
-    const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(now - then).count();
-    const auto count = [seconds](qint64 unit) { return static_cast<int>(seconds / unit); };
-    if (seconds <= 0)
+    using namespace std::chrono;
+    const auto passed = duration_cast<seconds>(now - then);
+    const auto count = [passed](auto unit) { return static_cast<int>(passed / unit); };
+    if (passed <= seconds(0))
         return qtTrId("relative.now");
-    if (seconds < 60)
-        return qtTrId("relative.seconds_ago %n", count(1));
-    if (seconds < 60 * 60)
-        return qtTrId("relative.minutes_ago %n", count(60));
-    if (seconds < 24 * 60 * 60)
-        return qtTrId("relative.hours_ago %n", count(60 * 60));
-    return qtTrId("relative.days_ago %n", count(24 * 60 * 60));
+    if (passed < minutes(1))
+        return qtTrId("relative.seconds_ago %n", count(seconds(1)));
+    if (passed < hours(1))
+        return qtTrId("relative.minutes_ago %n", count(minutes(1)));
+    if (passed < days(1))
+        return qtTrId("relative.hours_ago %n", count(hours(1)));
+    return qtTrId("relative.days_ago %n", count(days(1)));
 }
 
 QString agendaDateText(Instant now)

@@ -46,14 +46,14 @@ struct CanberraSoundPlayer::Output
 std::expected<QString, QString> CanberraSoundPlayer::Output::fileOf(const QString &name) const
 {
     const QString fileName = name + u".oga"_s;
-    const QString installed = installedFolder + u'/' + fileName;
+    QString installed = installedFolder + u'/' + fileName;
     if (QFileInfo(installed).isFile())
         return installed;
 
     QFile own(u":/kestrel/sounds/"_s + fileName);
     if (!own.open(QIODevice::ReadOnly))
         return std::unexpected(u"there is no sound \"%1\""_s.arg(name));
-    const QString cached = cacheFolder + u'/' + fileName;
+    QString cached = cacheFolder + u'/' + fileName;
     const QByteArray sound = own.readAll();
     QFile there(cached);
     if (there.open(QIODevice::ReadOnly) && there.readAll() == sound)

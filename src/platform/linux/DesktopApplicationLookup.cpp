@@ -81,7 +81,7 @@ std::optional<QString> DesktopApplicationLookup::locationOf(const QString &bundl
         if (row.bundleIdentifier != bundleIdentifier)
             continue;
         for (const QString &folder : m_folders) {
-            const QString path = folder + u'/' + row.desktopID + u".desktop"_s;
+            QString path = folder + u'/' + row.desktopID + u".desktop"_s;
             if (!QFileInfo(path).isFile())
                 continue;
             if (isInstalled(path))

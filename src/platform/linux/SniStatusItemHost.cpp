@@ -245,9 +245,8 @@ private:
         if (!m_host.m_folder || m_state.svg.isEmpty())
             return {};
         // panels that do not recolour it take it as it is, and keep what they loaded by the name
-        const QString name =
-            u"kestrel-%1-%2-symbolic"_s.arg(QString(m_state.symbol).replace(u'.', u'-'),
-                                            m_host.m_appearance.isDark() ? "light"_L1 : "dark"_L1);
+        QString name = u"kestrel-%1-%2-symbolic"_s.arg(QString(m_state.symbol).replace(u'.', u'-'),
+                                                       m_host.m_appearance.isDark() ? "light"_L1 : "dark"_L1);
         QFile file(m_host.m_folder->filePath(name + u".svg"_s));
         if (file.exists())
             return name;

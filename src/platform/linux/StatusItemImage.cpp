@@ -130,7 +130,7 @@ QColor panelForeground(bool isDark)
 
 QImage statusItemImage(const QByteArray &svg, const QString &label, int height, const QColor &color)
 {
-    const QImage icon = tintedSvg(svg, { height, height }, color);
+    QImage icon = tintedSvg(svg, { height, height }, color);
     if (label.isEmpty() || height <= 0)
         return icon;
     QFont font;

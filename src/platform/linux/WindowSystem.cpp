@@ -6,7 +6,7 @@ namespace kestrel {
 
 std::optional<QByteArray> windowSystem()
 {
-    if (const QByteArray chosen = qgetenv("QT_QPA_PLATFORM"); !chosen.isEmpty())
+    if (QByteArray chosen = qgetenv("QT_QPA_PLATFORM"); !chosen.isEmpty())
         return chosen;
     if (!qEnvironmentVariableIsEmpty("DISPLAY")) {
         xcb_connection_t *connection = xcb_connect(nullptr, nullptr);
