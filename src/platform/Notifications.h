@@ -26,6 +26,7 @@ public:
 
 Q_SIGNALS:
     void actionChosen(const QString &key, const QString &action);
+    /// It went away by itself or by the person, or could not be shown at all.
     void closed(const QString &key);
 };
 

@@ -119,11 +119,14 @@ private Q_SLOTS:
         QTest::failOnWarning(QRegularExpression(u"."_s));
         QTest::ignoreMessage(QtWarningMsg, QRegularExpression(u"no notification could be shown"_s));
 
+        const QSignalSpy closed(&notifications, &Notifications::closed);
+
         notifications.show(noticeOf(u"a"_s));
         notifications.show(noticeOf(u"b"_s));
         // answered in turn, so both refusals are here by now
         (void)QDBusConnection::sessionBus().interface()->isServiceRegistered(serviceName);
         QCoreApplication::processEvents();
+        QCOMPARE(closed.count(), 2); // or whoever waits for an answer waits for ever
 
         FakeService late;
         notifications.show(noticeOf(u"a"_s));

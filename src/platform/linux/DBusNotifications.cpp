@@ -67,9 +67,11 @@ void DBusNotifications::taken(const QString &key, const QDBusMessage &answer)
     Shown &shown = m_shown[key];
     shown.isAwaited = false;
     if (answer.type() == QDBusMessage::ErrorMessage) {
-        m_shown.remove(key);
+        const bool isUnwanted = m_shown.take(key).isUnwanted;
         if (!std::exchange(m_hasComplained, true))
             qCWarning(lcAlerts) << "no notification could be shown:" << errorForLog(answer.errorMessage());
+        if (!isUnwanted)
+            Q_EMIT closed(key); // nobody will ever answer it
         return;
     }
     shown.number = answer.arguments().value(0).toUInt();
