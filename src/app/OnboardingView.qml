@@ -59,9 +59,17 @@ Column {
 
     Basic.BusyIndicator {
         anchors.horizontalCenter: parent.horizontalCenter
-        visible: root.model.isSigningIn
+        visible: root.model.isSigningIn && Theme.motionAllowed
         running: visible
         scale: 0.7
+    }
+
+    Symbol {
+        anchors.horizontalCenter: parent.horizontalCenter
+        visible: root.model.isSigningIn && !Theme.motionAllowed
+        name: "hourglass"
+        size: 20
+        color: Theme.secondaryText
     }
 
     PlainLabel {

@@ -28,8 +28,6 @@ Row {
         color: Theme.secondaryText
     }
     PlainLabel {
-        id: label
-
         anchors.verticalCenter: parent.verticalCenter
         text: root.text
         size: Metrics.textSmall
