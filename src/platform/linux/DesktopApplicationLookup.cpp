@@ -1,9 +1,9 @@
 #include "platform/linux/DesktopApplicationLookup.h"
+#include "platform/linux/ChromiumBrowsers.h"
 #include <QFile>
 #include <QFileInfo>
 #include <QStandardPaths>
 #include <QTextStream>
-#include <array>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -11,33 +11,6 @@ using namespace Qt::StringLiterals;
 namespace kestrel {
 
 namespace {
-
-struct Row
-{
-    QLatin1StringView bundleIdentifier;
-    QLatin1StringView desktopID; ///< without its suffix
-};
-
-/// Per browser: what its packages name it, then Flatpak, then Snap.
-constexpr std::array rows {
-    Row { "com.google.Chrome"_L1, "google-chrome"_L1 },
-    Row { "com.google.Chrome"_L1, "google-chrome-stable"_L1 },
-    Row { "com.google.Chrome"_L1, "com.google.Chrome"_L1 },
-    Row { "com.google.Chrome.beta"_L1, "google-chrome-beta"_L1 },
-    Row { "com.google.Chrome.beta"_L1, "com.google.Chrome.beta"_L1 },
-    Row { "com.google.Chrome.canary"_L1, "google-chrome-unstable"_L1 },
-    Row { "com.google.Chrome.canary"_L1, "com.google.Chrome.unstable"_L1 },
-    Row { "com.google.Chrome.canary"_L1, "com.google.ChromeDev"_L1 },
-    Row { "org.chromium.Chromium"_L1, "chromium"_L1 },
-    Row { "org.chromium.Chromium"_L1, "chromium-browser"_L1 },
-    Row { "org.chromium.Chromium"_L1, "org.chromium.Chromium"_L1 },
-    Row { "org.chromium.Chromium"_L1, "chromium_chromium"_L1 },
-    Row { "com.brave.Browser"_L1, "brave-browser"_L1 },
-    Row { "com.brave.Browser"_L1, "com.brave.Browser"_L1 },
-    Row { "com.brave.Browser"_L1, "brave_brave"_L1 },
-    Row { "com.microsoft.edgemac"_L1, "microsoft-edge"_L1 },
-    Row { "com.microsoft.edgemac"_L1, "com.microsoft.Edge"_L1 },
-};
 
 /// The value of a key of the file's main group; empty when it has none.
 QString entry(const QString &path, QLatin1StringView key)
@@ -77,11 +50,11 @@ DesktopApplicationLookup::DesktopApplicationLookup(QStringList folders)
 
 std::optional<QString> DesktopApplicationLookup::locationOf(const QString &bundleIdentifier) const
 {
-    for (const Row &row : rows) {
-        if (row.bundleIdentifier != bundleIdentifier)
+    for (const ChromiumBrowser &browser : chromiumBrowsers()) {
+        if (browser.bundleIdentifier != bundleIdentifier)
             continue;
         for (const QString &folder : m_folders) {
-            QString path = folder + u'/' + row.desktopID + u".desktop"_s;
+            QString path = folder + u'/' + browser.desktopID + u".desktop"_s;
             if (!QFileInfo(path).isFile())
                 continue;
             if (isInstalled(path))
