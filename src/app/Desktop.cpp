@@ -10,8 +10,10 @@
 #include "platform/null/NullAppearance.h"
 #include "platform/null/NullFloatingWindows.h"
 #include "platform/null/NullHelperChannel.h"
+#include "platform/null/NullModalNotice.h"
 #include "platform/null/NullNotifications.h"
 #include "platform/null/NullScreens.h"
+#include "platform/null/NullShortcuts.h"
 #include "platform/null/NullSoundPlayer.h"
 #include "platform/null/NullStatusItemHost.h"
 #include "ui/QuickScene.h"
@@ -31,8 +33,8 @@ public:
 
     [[nodiscard]] DesktopServices services() override
     {
-        return { m_applications, *m_windows,    m_helper,     m_notifications, m_screens,
-                 m_sounds,       *m_statusItem, m_alertTimer, m_theme,         m_scene };
+        return { m_applications, *m_windows, m_helper,      m_notice,     m_notifications, m_screens,
+                 m_shortcuts,    m_sounds,   *m_statusItem, m_alertTimer, m_theme,         m_scene };
     }
 
 private:
@@ -40,8 +42,10 @@ private:
     DesktopApplicationLookup m_applications;
     std::unique_ptr<FloatingWindows> m_windows = makeFloatingWindows();
     NullHelperChannel m_helper;
+    NullModalNotice m_notice;
     DBusNotifications m_notifications { QDBusConnection::sessionBus() };
     DesktopScreens m_screens;
+    NullShortcuts m_shortcuts;
     CanberraSoundPlayer m_sounds;
     std::unique_ptr<StatusItemHost> m_statusItem = makeStatusItemHost(m_appearance);
     AbsoluteWakeTimer m_alertTimer;
@@ -54,8 +58,8 @@ class HeadlessDesktop final : public Desktop
 public:
     [[nodiscard]] DesktopServices services() override
     {
-        return { m_applications, m_windows,    m_helper,     m_notifications, m_screens,
-                 m_sounds,       m_statusItem, m_alertTimer, m_theme,         m_scene };
+        return { m_applications, m_windows, m_helper,     m_notice,     m_notifications, m_screens,
+                 m_shortcuts,    m_sounds,  m_statusItem, m_alertTimer, m_theme,         m_scene };
     }
 
 private:
@@ -63,8 +67,10 @@ private:
     DesktopApplicationLookup m_applications;
     NullFloatingWindows m_windows;
     NullHelperChannel m_helper;
+    NullModalNotice m_notice;
     NullNotifications m_notifications;
     NullScreens m_screens;
+    NullShortcuts m_shortcuts;
     NullSoundPlayer m_sounds;
     NullStatusItemHost m_statusItem;
     AbsoluteWakeTimer m_alertTimer;

@@ -57,7 +57,11 @@ QCoro::Task<void> openInAppMode(HelperChannel &helper, UrlOpener &opener, QStrin
         << 'x' << size.height();
     const auto reply = co_await helper.openInChromeAppMode(chrome, address, size.width(), size.height());
     if (!reply) {
-        qCCritical(lcAlerts).noquote() << "ChromeLauncher XPC error:" << errorForLog(reply.error());
+        if (reply.error().kind == HelperError::Kind::NotOurProtocol)
+            qCCritical(lcAlerts) << "ChromeLauncher XPC: failed to cast remote proxy";
+        else
+            qCCritical(lcAlerts).noquote()
+                << "ChromeLauncher XPC error:" << errorForLog(reply.error().description);
         co_await openInBrowser(opener, url);
         co_return;
     }

@@ -6,15 +6,42 @@
 
 namespace kestrel {
 
-/// What the helper answered. Done with an error is a failure; neither done nor an error: there was nothing to
-/// act on.
+/// What the helper answered: done, or a failure with its text. Neither done nor an error: there was nothing
+/// to act on.
 struct HelperReply
 {
     bool ok = false;
     std::optional<QString> error;
+
+    friend bool operator==(const HelperReply &, const HelperReply &) = default;
 };
 
-/// The way to the program that drives browsers. One connection a call.
+struct HelperScriptReply
+{
+    bool ok = false;
+    std::optional<QString> result; ///< what the page script returned, as text
+    std::optional<QString> error;
+
+    friend bool operator==(const HelperScriptReply &, const HelperScriptReply &) = default;
+};
+
+/// Why there was no answer at all.
+struct HelperError
+{
+    enum class Kind {
+        Unreachable, ///< no helper, or it went before it answered
+        NotOurProtocol, ///< somebody answers to its name who does not know the operation
+    };
+
+    Kind kind = Kind::Unreachable;
+    QString description;
+
+    friend bool operator==(const HelperError &, const HelperError &) = default;
+};
+
+/// The way to the program that drives browsers, which is started on demand. Calls do not wait for one
+/// another, and nothing is kept between them. Each is answered exactly once; only what its caller limits ends
+/// early.
 class HelperChannel
 {
 public:
@@ -23,9 +50,22 @@ public:
     HelperChannel &operator=(const HelperChannel &) = delete;
     virtual ~HelperChannel() = default;
 
-    /// The error describes why the helper could not be reached.
-    [[nodiscard]] virtual QCoro::Task<std::expected<HelperReply, QString>>
+    template<typename Reply>
+    using Answer = QCoro::Task<std::expected<Reply, HelperError>>;
+
+    /// Shows `url` in a window without tabs or address bar, of that size in device-independent pixels.
+    /// `chromePath` is the path of the browser's .desktop file.
+    [[nodiscard]] virtual Answer<HelperReply>
     openInChromeAppMode(QString chromePath, QString url, qint32 windowWidth, qint32 windowHeight) = 0;
+    /// Copies the application's folder, replacing what stands at the destination.
+    [[nodiscard]] virtual Answer<HelperReply> installAppBundle(QString sourcePath,
+                                                               QString destinationPath) = 0;
+    /// Runs a script in the first tab whose address contains `urlSubstring`; `activate` brings tab and window
+    /// to the front first. An empty script does nothing. Not ok without an error: there is no such tab.
+    [[nodiscard]] virtual Answer<HelperScriptReply> executeJSInChromeTab(QString urlSubstring,
+                                                                         QString jsSource, bool activate) = 0;
+    /// Closes the first such tab, whatever it asks. Not ok without an error: there is none.
+    [[nodiscard]] virtual Answer<HelperReply> closeChromeTab(QString urlSubstring) = 0;
 };
 
 } // namespace kestrel

@@ -83,14 +83,14 @@ void TestMeetingOpener::handsTheRightAddressToTheRightBrowser()
     if (helper == Helper::Declines)
         desk.helper.answer = HelperReply { false, u"no"_s };
     else if (helper == Helper::Unreachable)
-        desk.helper.answer = std::unexpected(u"gone"_s);
+        desk.helper.answer = std::unexpected(HelperError { HelperError::Kind::Unreachable, u"gone"_s });
 
     desk.opener.open(QUrl(url), email.isNull() ? std::nullopt : std::optional(email), mode);
 
     QCOMPARE(desk.browser.opened, inBrowser.isEmpty() ? QList<QUrl>() : QList { QUrl(inBrowser) });
-    QCOMPARE(desk.helper.calls.size(), inAppMode.isEmpty() ? 0 : 1);
+    QCOMPARE(desk.helper.opened.size(), inAppMode.isEmpty() ? 0 : 1);
     if (!inAppMode.isEmpty())
-        QCOMPARE(desk.helper.calls.first(), (FakeHelperChannel::Call { chrome, inAppMode, 1300, 800 }));
+        QCOMPARE(desk.helper.opened.first(), (FakeHelperChannel::Opened { chrome, inAppMode, 1300, 800 }));
 }
 
 void TestMeetingOpener::sizesTheAppWindowByPreferencesOrScreen_data()

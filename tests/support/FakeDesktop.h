@@ -4,8 +4,10 @@
 #include "support/FakeApplicationLookup.h"
 #include "support/FakeFloatingWindows.h"
 #include "support/FakeHelperChannel.h"
+#include "support/FakeModalNotice.h"
 #include "support/FakeNotifications.h"
 #include "support/FakeScreens.h"
+#include "support/FakeShortcutBackend.h"
 #include "support/FakeSoundPlayer.h"
 #include "support/FakeStatusItemHost.h"
 #include "support/FakeWakeTimer.h"
@@ -21,8 +23,10 @@ struct FakeDesktop
     FakeApplicationLookup applications;
     FakeFloatingWindows windows;
     FakeHelperChannel helper;
+    FakeModalNotice notice;
     FakeNotifications notifications;
     FakeScreens screens;
+    FakeShortcutBackend shortcuts;
     FakeSoundPlayer sounds;
     FakeStatusItemHost statusItem;
     FakeWakeTimer alertTimer;
@@ -31,8 +35,8 @@ struct FakeDesktop
 
     [[nodiscard]] DesktopServices services()
     {
-        return { applications, windows,    helper,     notifications, screens,
-                 sounds,       statusItem, alertTimer, theme,         scene };
+        return { applications, windows, helper,     notice,     notifications, screens,
+                 shortcuts,    sounds,  statusItem, alertTimer, theme,         scene };
     }
 };
 

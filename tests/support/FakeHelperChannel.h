@@ -1,33 +1,88 @@
 #pragma once
 #include "platform/HelperChannel.h"
+#include <QCoro/QCoroSignal>
 #include <QList>
+#include <QObject>
 
 namespace kestrel {
 
-/// Answers every call with `answer`, at once.
-class FakeHelperChannel final : public HelperChannel
+/// Notes every call and answers it with the answer that is set, at once or, while `isHeld`, when release() is
+/// called.
+class FakeHelperChannel final : public QObject, public HelperChannel
 {
+    Q_OBJECT
 public:
-    struct Call
+    struct Opened
     {
         QString chromePath;
         QString url;
         qint32 windowWidth = 0;
         qint32 windowHeight = 0;
 
-        friend bool operator==(const Call &, const Call &) = default;
+        friend bool operator==(const Opened &, const Opened &) = default;
+    };
+    struct Executed
+    {
+        QString urlSubstring;
+        QString jsSource;
+        bool activate = false;
+
+        friend bool operator==(const Executed &, const Executed &) = default;
     };
 
-    [[nodiscard]] QCoro::Task<std::expected<HelperReply, QString>>
-    openInChromeAppMode(QString chromePath, QString url, qint32 windowWidth, qint32 windowHeight) override
+    [[nodiscard]] Answer<HelperReply> openInChromeAppMode(QString chromePath, QString url, qint32 windowWidth,
+                                                          qint32 windowHeight) override
     {
-        calls.append({ chromePath, url, windowWidth, windowHeight });
+        opened.append({ chromePath, url, windowWidth, windowHeight });
+        co_await held();
+        co_return answer;
+    }
+    [[nodiscard]] Answer<HelperReply> installAppBundle(QString sourcePath, QString destinationPath) override
+    {
+        installed.append({ sourcePath, destinationPath });
+        co_await held();
+        co_return answer;
+    }
+    [[nodiscard]] Answer<HelperScriptReply> executeJSInChromeTab(QString urlSubstring, QString jsSource,
+                                                                 bool activate) override
+    {
+        executed.append({ urlSubstring, jsSource, activate });
+        const auto given = scriptAnswer;
+        co_await held();
+        co_return given;
+    }
+    [[nodiscard]] Answer<HelperReply> closeChromeTab(QString urlSubstring) override
+    {
+        closed.append(urlSubstring);
+        co_await held();
         co_return answer;
     }
 
+    void release()
+    {
+        isHeld = false;
+        Q_EMIT released();
+    }
+
     /// The error is a helper that cannot be reached.
-    std::expected<HelperReply, QString> answer = HelperReply { true, {} };
-    QList<Call> calls;
+    std::expected<HelperReply, HelperError> answer = HelperReply { true, {} };
+    /// As it is when the call comes.
+    std::expected<HelperScriptReply, HelperError> scriptAnswer = HelperScriptReply { true, {}, {} };
+    bool isHeld = false;
+    QList<Opened> opened;
+    QList<std::pair<QString, QString>> installed;
+    QList<Executed> executed;
+    QStringList closed;
+
+Q_SIGNALS:
+    void released();
+
+private:
+    QCoro::Task<void> held()
+    {
+        if (isHeld)
+            co_await qCoro(this, &FakeHelperChannel::released);
+    }
 };
 
 } // namespace kestrel

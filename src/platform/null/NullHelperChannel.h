@@ -7,11 +7,31 @@ namespace kestrel {
 class NullHelperChannel final : public HelperChannel
 {
 public:
-    [[nodiscard]] QCoro::Task<std::expected<HelperReply, QString>>
-    openInChromeAppMode(QString /*chromePath*/, QString /*url*/, qint32 /*windowWidth*/,
-                        qint32 /*windowHeight*/) override
+    [[nodiscard]] Answer<HelperReply> openInChromeAppMode(QString /*chromePath*/, QString /*url*/,
+                                                          qint32 /*windowWidth*/,
+                                                          qint32 /*windowHeight*/) override
     {
-        co_return std::unexpected(QStringLiteral("The browser helper is not installed"));
+        co_return std::unexpected(notInstalled());
+    }
+    [[nodiscard]] Answer<HelperReply> installAppBundle(QString /*sourcePath*/,
+                                                       QString /*destinationPath*/) override
+    {
+        co_return std::unexpected(notInstalled());
+    }
+    [[nodiscard]] Answer<HelperScriptReply>
+    executeJSInChromeTab(QString /*urlSubstring*/, QString /*jsSource*/, bool /*activate*/) override
+    {
+        co_return std::unexpected(notInstalled());
+    }
+    [[nodiscard]] Answer<HelperReply> closeChromeTab(QString /*urlSubstring*/) override
+    {
+        co_return std::unexpected(notInstalled());
+    }
+
+private:
+    static HelperError notInstalled()
+    {
+        return { HelperError::Kind::Unreachable, QStringLiteral("The browser helper is not installed") };
     }
 };
 

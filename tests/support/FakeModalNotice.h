@@ -1,0 +1,21 @@
+#pragma once
+#include "platform/ModalNotice.h"
+#include <QList>
+
+namespace kestrel {
+
+/// Notes every message and presses `answer` at once.
+class FakeModalNotice final : public ModalNotice
+{
+public:
+    [[nodiscard]] QCoro::Task<qsizetype> ask(Message message) override
+    {
+        asked.append(message);
+        co_return answer;
+    }
+
+    QList<Message> asked;
+    qsizetype answer = 0;
+};
+
+} // namespace kestrel
