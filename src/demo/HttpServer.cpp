@@ -1,5 +1,6 @@
 #include "demo/HttpServer.h"
 #include <QHostAddress>
+#include <QSslServer>
 #include <QTcpSocket>
 #include <QTimer>
 
@@ -113,25 +114,45 @@ private:
     qsizetype m_slowPosition = 0;
 };
 
+std::unique_ptr<QTcpServer> makeTlsListener(const QSslConfiguration &tls)
+{
+    auto listener = std::make_unique<QSslServer>();
+    listener->setSslConfiguration(tls);
+    return listener;
+}
+
 } // namespace
 
 HttpServer::HttpServer(Handler handler, QObject *parent)
+    : HttpServer(std::move(handler), std::make_unique<QTcpServer>(), parent)
+{
+}
+
+HttpServer::HttpServer(Handler handler, const QSslConfiguration &tls, QObject *parent)
+    : HttpServer(std::move(handler), makeTlsListener(tls), parent)
+{
+}
+
+HttpServer::HttpServer(Handler handler, std::unique_ptr<QTcpServer> listener, QObject *parent)
     : QObject(parent)
     , m_handler(std::move(handler))
+    , m_listener(std::move(listener))
 {
-    connect(&m_listener, &QTcpServer::newConnection, this, &HttpServer::accept);
+    // under TLS a connection can be had only once its handshake is done, which newConnection() does not wait
+    // for
+    connect(m_listener.get(), &QTcpServer::pendingConnectionAvailable, this, &HttpServer::accept);
 }
 
 std::expected<void, QString> HttpServer::listen(quint16 port)
 {
-    if (!m_listener.listen(QHostAddress::LocalHost, port))
-        return std::unexpected(m_listener.errorString());
+    if (!m_listener->listen(QHostAddress::LocalHost, port))
+        return std::unexpected(m_listener->errorString());
     return {};
 }
 
 void HttpServer::accept()
 {
-    while (QTcpSocket *socket = m_listener.nextPendingConnection())
+    while (QTcpSocket *socket = m_listener->nextPendingConnection())
         new Connection(socket, ++m_connectionCount, m_handler, this);
 }
 

@@ -2,9 +2,11 @@
 #include "demo/Answer.h"
 #include "demo/ReceivedRequest.h"
 #include <QObject>
+#include <QSslConfiguration>
 #include <QTcpServer>
 #include <expected>
 #include <functional>
+#include <memory>
 
 namespace kestrel::demo {
 
@@ -18,16 +20,19 @@ public:
     using Handler = std::function<Answer(const ReceivedRequest &)>;
 
     explicit HttpServer(Handler handler, QObject *parent = nullptr);
+    /// The same over TLS, with the certificate and key of `tls`.
+    HttpServer(Handler handler, const QSslConfiguration &tls, QObject *parent = nullptr);
 
     /// 0 takes any free port. The error is the system's.
     [[nodiscard]] std::expected<void, QString> listen(quint16 port);
-    [[nodiscard]] quint16 port() const { return m_listener.serverPort(); }
+    [[nodiscard]] quint16 port() const { return m_listener->serverPort(); }
 
 private:
+    HttpServer(Handler handler, std::unique_ptr<QTcpServer> listener, QObject *parent);
     void accept();
 
     Handler m_handler;
-    QTcpServer m_listener;
+    std::unique_ptr<QTcpServer> m_listener;
     qint64 m_connectionCount = 0;
 };
 

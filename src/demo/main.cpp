@@ -1,14 +1,11 @@
 #include "base/StartTask.h"
+#include "demo/Ending.h"
 #include "demo/SampleGoogle.h"
 #include "demo/ScriptedConsent.h"
 #include <QCommandLineParser>
 #include <QCoreApplication>
 #include <QFileInfo>
-#include <QSocketNotifier>
-#include <csignal>
 #include <cstdio>
-#include <sys/signalfd.h>
-#include <unistd.h>
 
 using namespace Qt::StringLiterals;
 using namespace kestrel;
@@ -51,30 +48,6 @@ int runConsent(QStringList arguments)
     QMetaObject::invokeMethod(
         qApp, [consent] { startTask("press consent", pressAndExit(consent)); }, Qt::QueuedConnection);
     return QCoreApplication::exec();
-}
-
-/// Ends the event loop on SIGTERM and SIGINT.
-void endOnSignals()
-{
-    sigset_t signalSet;
-    sigemptyset(&signalSet);
-    sigaddset(&signalSet, SIGTERM);
-    sigaddset(&signalSet, SIGINT);
-    sigprocmask(SIG_BLOCK, &signalSet, nullptr);
-    auto *notifier = new QSocketNotifier(signalfd(-1, &signalSet, SFD_CLOEXEC), QSocketNotifier::Read,
-                                         QCoreApplication::instance());
-    QObject::connect(notifier, &QSocketNotifier::activated, qApp, &QCoreApplication::quit);
-}
-
-/// A parent that dies closes its end of the pipe, however it dies.
-void endWithStdin()
-{
-    auto *notifier = new QSocketNotifier(STDIN_FILENO, QSocketNotifier::Read, QCoreApplication::instance());
-    QObject::connect(notifier, &QSocketNotifier::activated, notifier, [] {
-        char ignored[256];
-        if (read(STDIN_FILENO, ignored, sizeof ignored) <= 0)
-            QCoreApplication::quit();
-    });
 }
 
 /// The option's value, or nothing after a complaint.
