@@ -1,6 +1,5 @@
 #include "demo/SampleCall.h"
 #include <QFile>
-#include <QJsonArray>
 #include <QJsonDocument>
 #include <QProcess>
 #include <QSslCertificate>
@@ -63,12 +62,16 @@ Answer SampleCall::answer(const ReceivedRequest &request)
 {
     const QString path = request.path();
     if (path == "/-/clicks"_L1) {
-        if (request.method == "POST")
+        if (request.method == "POST") {
             m_clicks.append(QString::fromUtf8(request.body));
-        else if (request.method == "DELETE")
-            m_clicks.clear();
+            m_times.append(valueOf(request.query(), u"at"_s).toDouble());
+        } else if (request.method == "DELETE") {
+            m_clicks = {};
+            m_times = {};
+        }
+        const QJsonArray &told = request.query().hasQueryItem(u"times"_s) ? m_times : m_clicks;
         return { .contentType = "application/json",
-                 .body = QJsonDocument(QJsonArray::fromStringList(m_clicks)).toJson(QJsonDocument::Compact) };
+                 .body = QJsonDocument(told).toJson(QJsonDocument::Compact) };
     }
     if (path == "/-/call.js"_L1)
         return file(u"call.js"_s, "text/javascript");

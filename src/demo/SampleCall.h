@@ -1,13 +1,14 @@
 #pragma once
 #include "demo/HttpServer.h"
-#include <QStringList>
+#include <QJsonArray>
 
 namespace kestrel::demo {
 
 /// Plays the page of a call for a browser that takes 127.0.0.1 for the meeting's host: buttons with the
 /// labels that such a page has, in English or Spanish, behind a content security policy as strict as a real
 /// one's. Every address is a call; what call.js says of its query items chooses how it is. GET /-/clicks
-/// tells, as a JSON array, the labels of the buttons that were pressed, in order, as they were before; DELETE
+/// tells, as a JSON array, the labels of the buttons that were pressed, in order, as they were before; with
+/// ?times instead when, in milliseconds since 1970; DELETE
 /// /-/clicks forgets them. Lives in the thread of its event loop.
 class SampleCall final
 {
@@ -24,7 +25,8 @@ public:
 private:
     [[nodiscard]] Answer answer(const ReceivedRequest &request);
 
-    QStringList m_clicks;
+    QJsonArray m_clicks;
+    QJsonArray m_times;
     HttpServer m_server;
 };
 

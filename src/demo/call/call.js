@@ -36,7 +36,10 @@ const make = (tag, properties = {}, ...children) => {
 
 /// Whoever watches over this page hears of every press, in order.
 let told = Promise.resolve();
-const tell = what => told = told.then(() => fetch("/-/clicks", { method: "POST", body: what })).catch(() => {});
+const tell = what => {
+    const at = performance.timeOrigin + performance.now();
+    told = told.then(() => fetch(`/-/clicks?at=${at}`, { method: "POST", body: what })).catch(() => {});
+};
 
 const svg = "http://www.w3.org/2000/svg";
 const drawn = (name, isOff) => {
