@@ -11,18 +11,12 @@ import unittest
 import urllib.error
 
 from kestrel_session import Kestrel, SampleGoogle, wait_until
+from screen import geometry, has_owner, windows, xdotool
 
 WIDTH = 1600
 PANEL_HEIGHT = 27
 JOIN_GREEN = (26, 184, 115)
 CARD_WIDTH, SHADOW_SIDE, SHADOW_TOP, MARGIN = 360, 28, 18, 16
-
-
-def has_owner(name):
-    answer = subprocess.run(["gdbus", "call", "--session", "--dest", "org.freedesktop.DBus", "--object-path", "/",
-                             "--method", "org.freedesktop.DBus.NameHasOwner", name],
-                            capture_output=True, text=True, timeout=20)
-    return "true" in answer.stdout
 
 
 def item_property(name):
@@ -51,24 +45,6 @@ def pixels(x, y, width, height):
 def differing_columns(before, after):
     return [column for column in range(len(before[0]))
             if any(before[row][column] != after[row][column] for row in range(len(before)))]
-
-
-def windows(name):
-    """Identifiers of the visible windows whose title matches exactly."""
-    found = subprocess.run(["xdotool", "search", "--onlyvisible", "--name", f"^{name}$"], capture_output=True, text=True,
-                           timeout=20)
-    return found.stdout.split()
-
-
-def geometry(window):
-    text = subprocess.run(["xdotool", "getwindowgeometry", "--shell", window], capture_output=True, text=True,
-                          check=True, timeout=20).stdout
-    values = dict(line.split("=") for line in text.split())
-    return tuple(int(values[key]) for key in ("X", "Y", "WIDTH", "HEIGHT"))
-
-
-def xdotool(*words):
-    subprocess.run(["xdotool", *map(str, words)], check=True, timeout=60)
 
 
 class OnScreen(unittest.TestCase):
