@@ -11,7 +11,13 @@ Item {
     readonly property bool isDown: button?.down ?? false
     readonly property bool hasRing: button?.visualFocus ?? false
 
+    /// Nothing of it can be seen any more.
+    signal faded
+
     opacity: dim.opacity > 0 || hasRing ? 1 : 0
+
+    onOpacityChanged: if (opacity === 0 && !isDown)
+        faded()
 
     Rectangle {
         id: dim

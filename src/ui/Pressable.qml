@@ -39,13 +39,28 @@ T.AbstractButton {
     Keys.onEnterPressed: root.enter()
     Keys.onReturnPressed: root.enter()
 
-    // dimming and focus ring lie over whatever content a button has; neither is there before it is needed
+    // dimming and focus ring lie over whatever content a button has; neither is there before it is needed, nor after
+    readonly property bool isLit: down || visualFocus
+
+    onIsLitChanged: if (isLit)
+        overlay.active = true
+
     Loader {
+        id: overlay
+
         anchors.fill: parent
-        active: root.down || root.visualFocus || (item && item.opacity > 0)
+        active: false
         z: 1
         source: "PressOverlay.qml"
         onLoaded: (item as PressOverlay).button = root
+
+        Connections {
+            function onFaded() {
+                overlay.active = false;
+            }
+
+            target: overlay.item
+        }
     }
     // by file: a component of this file could not be made in the context of a button that stands on it
     Loader {
