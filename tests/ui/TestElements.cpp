@@ -1,5 +1,6 @@
 #include "base/Clock.h"
 #include "support/FakeAppearance.h"
+#include "support/WarningCount.h"
 #include "ui/AttendeeModel.h"
 #include "ui/Colors.h"
 #include "ui/Countdown.h"
@@ -34,28 +35,6 @@ double contrast(const QColor &one, const QColor &other)
     const double ratio = light(one) / light(other);
     return std::max(ratio, 1 / ratio);
 }
-
-/// Counts while it lives, and lets the messages through.
-class WarningCount final
-{
-public:
-    WarningCount()
-    {
-        seen = 0;
-        before = qInstallMessageHandler([](QtMsgType type, const auto &where, const QString &text) {
-            seen += type == QtDebugMsg || type == QtInfoMsg ? 0 : 1;
-            before(type, where, text);
-        });
-    }
-    ~WarningCount() { qInstallMessageHandler(before); }
-    WarningCount(const WarningCount &) = delete;
-    WarningCount &operator=(const WarningCount &) = delete;
-
-    static inline int seen = 0;
-
-private:
-    static inline QtMessageHandler before = nullptr;
-};
 
 } // namespace
 
