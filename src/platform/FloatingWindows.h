@@ -27,7 +27,7 @@ public:
     /// Gives the keyboard to a card that was clicked.
     virtual void takeFocus(QWindow &window) = 0;
     /// Clicks outside `region` (in the window's own coordinates) reach what is below; empty: the whole
-    /// window.
+    /// window. Without a compositor the window is cut to it, which for a HUD is all it does.
     virtual void setInputRegion(QWindow &window, const QRegion &region) = 0;
     /// Asks for blur behind `region` where the window manager offers it.
     virtual void setBlurRegion(QWindow &window, const QRegion &region) = 0;

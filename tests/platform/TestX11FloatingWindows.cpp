@@ -181,6 +181,23 @@ private Q_SLOTS:
         QCOMPARE(pressed.size(), 3);
     }
 
+    void theMouseGoesThroughAHud()
+    {
+        X11FloatingWindows windows;
+        Sheet below(QRect(900, 20, 500, 300), Qt::white);
+        below.show();
+        Sheet hud(place, red);
+        windows.prepare(hud, FloatingWindows::Kind::Hud);
+        windows.setInputRegion(hud, QRect(20, 20, 260, 60));
+        hud.show();
+        windows.shown(hud, FloatingWindows::Kind::Hud);
+        QTRY_COMPARE(seenAt(place.center()), red);
+        QTRY_COMPARE(seenAt(place.topLeft() + QPoint(5, 5)), QColor(Qt::white)); // no compositor: cut away
+        xdotool(u"mousemove 1100 90 click 1"_s);
+        QTRY_COMPARE(below.presses, 1);
+        QCOMPARE(hud.presses, 0);
+    }
+
     void aPanelTakesItsStripOffTheVisibleFrame()
     {
         DesktopScreens screens;

@@ -104,7 +104,9 @@ void X11FloatingWindows::setInputRegion(QWindow &window, const QRegion &region)
     m_inputRegions.insert(&window, region);
     window.create();
     const auto id = xcb_window_t(window.winId());
-    if (region.isEmpty()) {
+    if (window.flags().testFlag(Qt::WindowTransparentForInput)) {
+        // Qt has emptied the input shape
+    } else if (region.isEmpty()) {
         xcb_shape_mask(x11::connection(), XCB_SHAPE_SO_SET, XCB_SHAPE_SK_INPUT, id, 0, 0, XCB_PIXMAP_NONE);
     } else {
         std::vector<xcb_rectangle_t> rectangles;
