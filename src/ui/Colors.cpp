@@ -1,4 +1,5 @@
 #include "ui/Colors.h"
+#include <cmath>
 
 using namespace Qt::StringLiterals;
 
@@ -74,6 +75,18 @@ QColor Colors::glass(const QColor &base, const QColor &tint, bool tinted, bool a
 {
     const QColor filling = tinted ? mixed(base, tint, glassTint) : base;
     return allowed ? faded(filling, glassOpacity) : filling;
+}
+
+QColor Colors::inkOn(const QColor &ground) const
+{
+    // WCAG 2.1: where both have the same contrast
+    constexpr double middle = 0.179;
+    const auto linear = [](float part) {
+        return part <= 0.03928F ? part / 12.92F : std::pow((part + 0.055F) / 1.055F, 2.4F);
+    };
+    const QColor light =
+        QColor::fromRgbF(linear(ground.redF()), linear(ground.greenF()), linear(ground.blueF()));
+    return luminance(light) > middle ? Qt::black : Qt::white;
 }
 
 QColor Colors::faded(const QColor &color, double opacity) const

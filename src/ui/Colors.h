@@ -39,6 +39,8 @@ public:
     /// `allowed`.
     [[nodiscard]] Q_INVOKABLE QColor glass(const QColor &base, const QColor &tint, bool tinted,
                                            bool allowed) const;
+    /// Black or white, whichever can be read better on `ground`.
+    [[nodiscard]] Q_INVOKABLE QColor inkOn(const QColor &ground) const;
     [[nodiscard]] Q_INVOKABLE QColor faded(const QColor &color, double opacity) const;
 };
 

@@ -1,10 +1,13 @@
 #include "base/Clock.h"
 #include "support/FakeAppearance.h"
+#include "support/FakeFloatingWindows.h"
+#include "support/FakeScreens.h"
 #include "support/WarningCount.h"
 #include "ui/AttendeeModel.h"
 #include "ui/Colors.h"
 #include "ui/Countdown.h"
 #include "ui/FlowRow.h"
+#include "ui/QuickModalNotice.h"
 #include "ui/QuickScene.h"
 #include "ui/Symbols.h"
 #include "ui/Theme.h"
@@ -62,6 +65,9 @@ private:
     std::optional<Countdown> m_countdown;
     AttendeeModel m_attendees { 3 };
     QuickScene m_scene;
+    FakeFloatingWindows m_windows;
+    FakeScreens m_screens;
+    QuickModalNotice m_notice { m_scene, m_windows, m_screens, m_theme };
     QTranslator m_translator;
 };
 
@@ -104,6 +110,7 @@ void TestElements::everyElementIsMadeWithoutAWarning()
         { u"AttendeeChips.qml"_s, { { u"attendees"_s, QVariant::fromValue(&m_attendees) } } },
         { u"AttendeeChip.qml"_s, { { u"label"_s, u"<b>Ann</b>"_s }, { u"response"_s, 0 } } },
         { u"IconButton.qml"_s, { { u"symbol"_s, u"gearshape"_s }, { u"toolTip"_s, u"Settings"_s } } },
+        { u"NoticeView.qml"_s, { { u"notice"_s, QVariant::fromValue(&m_notice) } } },
         { u"Symbol.qml"_s, { { u"name"_s, u"timer"_s } } },
         { u"ToolTipBubble.qml"_s, { { u"text"_s, u"Settings"_s } } },
     };
