@@ -55,6 +55,46 @@
         <source>duration.m %lld</source>
         <translation>%1 min</translation>
     </message>
+    <message id="meet_hud.camera_off">
+        <source>meet_hud.camera_off</source>
+        <translation>Camera off</translation>
+    </message>
+    <message id="meet_hud.camera_on">
+        <source>meet_hud.camera_on</source>
+        <translation>Camera on</translation>
+    </message>
+    <message id="meet_hud.focused">
+        <source>meet_hud.focused</source>
+        <translation>Meet in front</translation>
+    </message>
+    <message id="meet_hud.hand_lowered">
+        <source>meet_hud.hand_lowered</source>
+        <translation>Hand lowered</translation>
+    </message>
+    <message id="meet_hud.hand_raised">
+        <source>meet_hud.hand_raised</source>
+        <translation>Hand raised</translation>
+    </message>
+    <message id="meet_hud.left">
+        <source>meet_hud.left</source>
+        <translation>Left the call</translation>
+    </message>
+    <message id="meet_hud.mic_off">
+        <source>meet_hud.mic_off</source>
+        <translation>Microphone off</translation>
+    </message>
+    <message id="meet_hud.mic_on">
+        <source>meet_hud.mic_on</source>
+        <translation>Microphone on</translation>
+    </message>
+    <message id="meet_hud.not_sharing">
+        <source>meet_hud.not_sharing</source>
+        <translation>Not sharing the screen</translation>
+    </message>
+    <message id="meet_hud.sharing">
+        <source>meet_hud.sharing</source>
+        <translation>Sharing the screen</translation>
+    </message>
     <message id="meeting.open_in_calendar">
         <source>meeting.open_in_calendar</source>
         <translation>Open in calendar</translation>

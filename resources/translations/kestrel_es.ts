@@ -55,6 +55,46 @@
         <source>duration.m %lld</source>
         <translation>%1 min</translation>
     </message>
+    <message id="meet_hud.camera_off">
+        <source>meet_hud.camera_off</source>
+        <translation>Cámara desactivada</translation>
+    </message>
+    <message id="meet_hud.camera_on">
+        <source>meet_hud.camera_on</source>
+        <translation>Cámara activada</translation>
+    </message>
+    <message id="meet_hud.focused">
+        <source>meet_hud.focused</source>
+        <translation>Meet en primer plano</translation>
+    </message>
+    <message id="meet_hud.hand_lowered">
+        <source>meet_hud.hand_lowered</source>
+        <translation>Mano bajada</translation>
+    </message>
+    <message id="meet_hud.hand_raised">
+        <source>meet_hud.hand_raised</source>
+        <translation>Mano levantada</translation>
+    </message>
+    <message id="meet_hud.left">
+        <source>meet_hud.left</source>
+        <translation>Has salido de la llamada</translation>
+    </message>
+    <message id="meet_hud.mic_off">
+        <source>meet_hud.mic_off</source>
+        <translation>Micrófono desactivado</translation>
+    </message>
+    <message id="meet_hud.mic_on">
+        <source>meet_hud.mic_on</source>
+        <translation>Micrófono activado</translation>
+    </message>
+    <message id="meet_hud.not_sharing">
+        <source>meet_hud.not_sharing</source>
+        <translation>Sin compartir la pantalla</translation>
+    </message>
+    <message id="meet_hud.sharing">
+        <source>meet_hud.sharing</source>
+        <translation>Compartiendo la pantalla</translation>
+    </message>
     <message id="meeting.open_in_calendar">
         <source>meeting.open_in_calendar</source>
         <translation>Abrir en el calendario</translation>
