@@ -55,6 +55,20 @@
         <source>duration.m %lld</source>
         <translation>%1 min</translation>
     </message>
+    <message id="meet_controls.chrome_flag.message">
+        <source>meet_controls.chrome_flag.message</source>
+        <translation>Your browser does not let Kestrel run scripts in pages yet. Open the browser’s Extensions page, choose Details on the Kestrel card, and turn on “Allow User Scripts”.
+
+Afterwards, “kestrel browser status” in a terminal says whether everything is in place.</translation>
+    </message>
+    <message id="meet_controls.chrome_flag.ok">
+        <source>meet_controls.chrome_flag.ok</source>
+        <translation>OK</translation>
+    </message>
+    <message id="meet_controls.chrome_flag.title">
+        <source>meet_controls.chrome_flag.title</source>
+        <translation>Let Kestrel work in Meet</translation>
+    </message>
     <message id="meet_hud.camera_off">
         <source>meet_hud.camera_off</source>
         <translation>Camera off</translation>

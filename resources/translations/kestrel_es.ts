@@ -55,6 +55,20 @@
         <source>duration.m %lld</source>
         <translation>%1 min</translation>
     </message>
+    <message id="meet_controls.chrome_flag.message">
+        <source>meet_controls.chrome_flag.message</source>
+        <translation>Tu navegador aún no permite que Kestrel ejecute scripts en las páginas. Abre la página Extensiones del navegador, pulsa Detalles en la tarjeta de Kestrel y activa «Permitir secuencias de comandos de usuario» (en inglés, «Allow User Scripts»).
+
+Después, «kestrel browser status» en un terminal te dirá si todo está listo.</translation>
+    </message>
+    <message id="meet_controls.chrome_flag.ok">
+        <source>meet_controls.chrome_flag.ok</source>
+        <translation>Entendido</translation>
+    </message>
+    <message id="meet_controls.chrome_flag.title">
+        <source>meet_controls.chrome_flag.title</source>
+        <translation>Deja que Kestrel actúe en Meet</translation>
+    </message>
     <message id="meet_hud.camera_off">
         <source>meet_hud.camera_off</source>
         <translation>Cámara desactivada</translation>
