@@ -10,6 +10,7 @@
 #include <QGuiApplication>
 #include <QTimer>
 #include <tuple>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
@@ -31,6 +32,7 @@ constexpr auto saidTrayIsMissingKey = "statusItem.saidTrayIsMissing.v1"_L1;
 AppDelegate::AppDelegate(PreferenceStore &preferenceStore, const AuthServices &services,
                          const DesktopServices &desktop, const Start &start)
     : m_preferenceStore(preferenceStore)
+    , m_bridgePort(start.bridgePort)
     , m_environment(preferenceStore, services, desktop)
     , m_agenda(m_environment.store(), m_environment.registry(), m_environment.preferences(), m_environment,
                m_environment.opener(), m_environment.clock())
@@ -39,6 +41,10 @@ AppDelegate::AppDelegate(PreferenceStore &preferenceStore, const AuthServices &s
                 { QUrl(u"qrc:/qt/qml/Kestrel/App/OnboardingView.qml"_s), &m_onboarding })
     , m_menuBar(m_environment.store(), m_environment.preferences(), m_environment.meetState(),
                 m_environment.clock(), desktop.statusItem, m_popover)
+    , m_hotkeys(desktop.shortcuts)
+    , m_hud(desktop.scene, desktop.windows, desktop.screens, desktop.theme)
+    , m_meetControls(m_environment.preferences(), m_environment.meetState(), desktop.helper, m_hotkeys, m_hud,
+                     desktop.notice, preferenceStore, [this] { showAgenda(); })
 {
     Preferences &preferences = m_environment.preferences();
     const auto followTransparency = [&preferences, &theme = desktop.theme] {
@@ -59,6 +65,16 @@ AppDelegate::AppDelegate(PreferenceStore &preferenceStore, const AuthServices &s
             });
 
     showOnFirstRun(start.isJustInstalled);
+    m_bridge.onCommand = [this](HotkeyAction action) { m_meetControls.dispatch(action); };
+    m_bridge.stateProvider = [this] { return MeetStateSnapshot::of(m_environment.meetState()); };
+    const MeetState &state = m_environment.meetState();
+    for (const auto changed :
+         { &MeetState::inMeetingChanged, &MeetState::micOnChanged, &MeetState::cameraOnChanged,
+           &MeetState::handRaisedChanged, &MeetState::sharingChanged })
+        connect(&state, changed, this, &AppDelegate::broadcastLater);
+    applyPreferences();
+    connect(&preferences, &Preferences::changed, this, &AppDelegate::applyPreferencesLater);
+
     // the first question about a font reads the whole collection: in a quiet moment, not on the first click
     QTimer::singleShot(3s, this, [hasScreen = desktop.screens.mainFrame().has_value()] {
         if (hasScreen)
@@ -70,6 +86,60 @@ AppDelegate::AppDelegate(PreferenceStore &preferenceStore, const AuthServices &s
 AppDelegate::~AppDelegate()
 {
     m_environment.presenter().dismissAll();
+}
+
+void AppDelegate::applyPreferencesLater()
+{
+    if (std::exchange(m_appliesLater, true))
+        return;
+    QMetaObject::invokeMethod(this, &AppDelegate::applyPreferences, Qt::QueuedConnection);
+}
+
+void AppDelegate::applyPreferences()
+{
+    m_appliesLater = false;
+    const Preferences &preferences = m_environment.preferences();
+    if (m_joinShortcut) {
+        m_joinShortcut->unregisterHotkey();
+        m_joinShortcut.reset();
+    }
+    const Hotkey binding = preferences.hotkey(HotkeyAction::join);
+    if (preferences.enableJoinShortcut() && !binding.isNone()) {
+        m_joinShortcut =
+            std::make_unique<GlobalHotkey>(m_hotkeys, u"Join"_s, binding.keyCode, binding.modifiers,
+                                           row(HotkeyAction::join).identifier, [this] { joinNextMeeting(); });
+        m_joinShortcut->registerHotkey();
+    }
+    if (preferences.enableMeetControls())
+        m_meetControls.start();
+    else
+        m_meetControls.stop();
+    if (preferences.enableStreamDeckBridge())
+        m_bridge.start(m_bridgePort);
+    else
+        m_bridge.stop();
+}
+
+void AppDelegate::broadcastLater()
+{
+    // one message for all that one answer of the page changes
+    if (std::exchange(m_broadcastsLater, true))
+        return;
+    QMetaObject::invokeMethod(
+        this,
+        [this] {
+            m_broadcastsLater = false;
+            m_bridge.broadcast(MeetStateSnapshot::of(m_environment.meetState()));
+        },
+        Qt::QueuedConnection);
+}
+
+void AppDelegate::perform(HotkeyAction action)
+{
+    if (action == HotkeyAction::join)
+        joinNextMeeting();
+    else
+        m_meetControls.dispatch(action);
 }
 
 void AppDelegate::sayTrayIsMissing(const QString &message, Notifications &notifications)

@@ -2,10 +2,17 @@
 #include "app/AppEnvironment.h"
 #include "app/DesktopServices.h"
 #include "app/OnboardingModel.h"
+#include "hotkeys/GlobalHotkey.h"
+#include "hotkeys/HotkeyDispatcher.h"
+#include "meet/MeetControlsController.h"
+#include "meet/MeetHUDPresenter.h"
 #include "menubar/AgendaModel.h"
 #include "menubar/AgendaPopover.h"
 #include "menubar/MenuBarController.h"
+#include "streamdeck/StreamDeckBridge.h"
 #include <QObject>
+#include <memory>
+#include <optional>
 
 namespace kestrel {
 
@@ -18,7 +25,8 @@ public:
     struct Start
     {
         bool isJustInstalled = false;
-        QString missingClient; ///< what to say instead of a sign-in that cannot work; empty when it can
+        QString missingClient {}; ///< what to say instead of a sign-in that cannot work; empty when it can
+        quint16 bridgePort = 18424;
     };
 
     /// What it is given outlives it.
@@ -33,22 +41,36 @@ public:
     /// Joins what a person would mean now, or shows the agenda where there is nothing to join. The meeting
     /// that is joined, if any.
     std::optional<Meeting> joinNextMeeting();
+    /// What a global shortcut does; `join` joins.
+    void perform(HotkeyAction action);
     /// False where there is no screen to show it on.
     bool showAgenda();
     /// The language is another one.
     void retranslate();
 
 private:
+    /// Brings the join shortcut, the Meet controls and the bridge in line with the preferences.
+    void applyPreferences();
+    void applyPreferencesLater();
+    void broadcastLater();
     void showOnFirstRun(bool isJustInstalled);
     /// Once per person, not at every login.
     void sayTrayIsMissing(const QString &message, Notifications &notifications);
 
     PreferenceStore &m_preferenceStore;
+    quint16 m_bridgePort;
     AppEnvironment m_environment;
     AgendaModel m_agenda;
     OnboardingModel m_onboarding;
     AgendaPopover m_popover;
     MenuBarController m_menuBar;
+    HotkeyDispatcher m_hotkeys;
+    MeetHUDPresenter m_hud;
+    MeetControlsController m_meetControls;
+    std::unique_ptr<GlobalHotkey> m_joinShortcut;
+    StreamDeckBridge m_bridge;
+    bool m_appliesLater = false;
+    bool m_broadcastsLater = false;
 };
 
 } // namespace kestrel

@@ -105,7 +105,8 @@ int Application::run()
     m_desktop = Desktop::make(m_hasDisplay, m_place.soundCache);
     m_delegate = std::make_unique<AppDelegate>(
         *m_preferenceStore, services(), m_desktop->services(),
-        AppDelegate::Start { m_line.justInstalled, missingClientMessage(m_place.clientFile, m_client) });
+        AppDelegate::Start { m_line.justInstalled, missingClientMessage(m_place.clientFile, m_client),
+                             m_place.bridgePort });
     AppEnvironment &environment = m_delegate->environment();
     m_verbs = std::make_unique<Verbs>(environment.registry(), environment.google(),
                                       missingClientMessage(m_place.clientFile, m_client));

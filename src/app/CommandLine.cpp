@@ -1,4 +1,5 @@
 #include "app/CommandLine.h"
+#include "hotkeys/HotkeyAction.h"
 #include <QCommandLineParser>
 #include <algorithm>
 #include <array>
@@ -38,6 +39,13 @@ constexpr std::array verbs {
            "Closes every alert card on the screen."_L1, 0, 0, ""_L1 },
     Verb { "show"_L1, "show"_L1, "open the agenda"_L1,
            "Opens the agenda on the screen of the running Kestrel."_L1, 0, 0, ""_L1 },
+    Verb {
+        "action"_L1, "action NAME"_L1, "do what a global shortcut does"_L1,
+        "For compositors that bind keys themselves. NAME is join, meetMute, meetVideo, meetHand, meetFocus,\n"
+        "meetShareScreen, meetLeave, meetReactThumbs, meetReactHeart, meetReactParty, meetReactClap,\n"
+        "meetReactLaugh, meetReactSurprise, meetReactSad, meetReactThinking, meetReactThumbsDown or\n"
+        "meetReactLove. Without a Meet tab the agenda is shown."_L1,
+        1, 1, ""_L1 },
     Verb {
         "accounts"_L1, "accounts add | list [--json] | remove ACCOUNT"_L1, "sign in, list, sign out"_L1,
         "add opens Google's sign-in page in the browser and waits for it, two minutes at most.\n"
@@ -83,6 +91,9 @@ std::expected<void, QString> checkVerb(const CommandLine &line, const QStringLis
     const bool wantsAccount = line.verb == "accounts"_L1 && line.arguments.value(0) == "remove"_L1;
     if (count < verb->fewestArguments || count > verb->mostArguments || (wantsAccount && count != 2))
         return std::unexpected(u"Usage: kestrel %1"_s.arg(verb->synopsis));
+    if (line.verb == "action"_L1 && !hotkeyActionFromRaw(line.arguments[0]))
+        return std::unexpected(
+            u"There is no action \"%1\". kestrel action --help lists them."_s.arg(line.arguments[0]));
     if (line.verb == "accounts"_L1
         && (!QStringList { u"add"_s, u"list"_s, u"remove"_s }.contains(line.arguments[0])
             || (!wantsAccount && count != 1))) {

@@ -16,6 +16,7 @@
 #include "platform/null/NullShortcuts.h"
 #include "platform/null/NullSoundPlayer.h"
 #include "platform/null/NullStatusItemHost.h"
+#include "ui/QuickModalNotice.h"
 #include "ui/QuickScene.h"
 #include "ui/Theme.h"
 
@@ -42,7 +43,6 @@ private:
     DesktopApplicationLookup m_applications;
     std::unique_ptr<FloatingWindows> m_windows = makeFloatingWindows();
     NullHelperChannel m_helper;
-    NullModalNotice m_notice;
     DBusNotifications m_notifications { QDBusConnection::sessionBus() };
     DesktopScreens m_screens;
     NullShortcuts m_shortcuts;
@@ -51,6 +51,7 @@ private:
     AbsoluteWakeTimer m_alertTimer;
     Theme m_theme { m_appearance };
     QuickScene m_scene;
+    QuickModalNotice m_notice { m_scene, *m_windows, m_screens, m_theme };
 };
 
 class HeadlessDesktop final : public Desktop

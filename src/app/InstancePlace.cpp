@@ -5,6 +5,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QStandardPaths>
+#include <unistd.h>
 
 using namespace Qt::StringLiterals;
 
@@ -21,6 +22,16 @@ QString suffixOf(const QString &folder)
     const QByteArray path = QFileInfo(folder).canonicalFilePath().toUtf8();
     return u".data_"_s
         + QString::fromLatin1(QCryptographicHash::hash(path, QCryptographicHash::Sha256).toHex().left(12));
+}
+
+/// Browsers inherit the variable and find the same folder.
+QString socketsFolder(const QString &suffix)
+{
+    if (qEnvironmentVariableIsSet("KESTREL_BROWSER_SOCKETS"))
+        return qEnvironmentVariable("KESTREL_BROWSER_SOCKETS");
+    // not QStandardPaths, which takes a folder that no browser looks into where the session has none
+    const QString runtime = qEnvironmentVariable("XDG_RUNTIME_DIR", u"/run/user/%1"_s.arg(::getuid()));
+    return runtime + u"/kestrel"_s + suffix + u"/browsers"_s;
 }
 
 std::expected<void, QString> prepareFolder(const QString &folder, bool forSampleGoogle)
@@ -79,6 +90,9 @@ std::expected<InstancePlace, QString> InstancePlace::resolve(const QString &data
         place.clientFile = config + u"google-client.json"_s;
         place.secretsFile = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation)
             + u"/kestrel/secrets.json"_s;
+        place.browserSockets = socketsFolder({});
+        place.browserProfile = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation)
+            + u"/kestrel/browser-profile"_s;
         place.soundCache =
             QStandardPaths::writableLocation(QStandardPaths::GenericCacheLocation) + u"/kestrel/sounds"_s;
         return place;
@@ -87,8 +101,14 @@ std::expected<InstancePlace, QString> InstancePlace::resolve(const QString &data
     const QString folder = QDir(dataFolder).absolutePath();
     if (const auto prepared = prepareFolder(folder, place.isSampleGoogle); !prepared)
         return std::unexpected(prepared.error());
-    place.busName += suffixOf(folder);
-    place.secretService += suffixOf(folder);
+    const QString suffix = suffixOf(folder);
+    place.busName += suffix;
+    place.secretService += suffix;
+    place.browserSockets = socketsFolder(suffix);
+    place.browserProfile = folder + u"/browser-profile"_s;
+    // the person's own Kestrel may be listening on the usual one
+    if (const int port = qEnvironmentVariableIntValue("KESTREL_BRIDGE_PORT"); port > 0 && port <= 65535)
+        place.bridgePort = static_cast<quint16>(port);
     place.dataFolder = folder;
     place.preferencesFile = folder + u"/kestrel.ini"_s;
     place.clientFile = folder + u"/google-client.json"_s;

@@ -15,6 +15,9 @@ struct InstancePlace
     QString clientFile; ///< the user's own OAuth client
     QString secretsFile; ///< used only where the file store was asked for
     QString soundCache; ///< a folder for sounds that are not installed beside the program
+    QString browserSockets; ///< the folder in which browsers are found (docs/browser-protocol.md)
+    QString browserProfile; ///< the folder of a browser profile of Kestrel's own
+    quint16 bridgePort = 18424;
     QString dataFolder; ///< empty for the person's own Kestrel
     GoogleEndpoints endpoints;
     bool isSampleGoogle = false; ///< the endpoints are a base on loopback, not Google

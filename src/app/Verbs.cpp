@@ -104,6 +104,8 @@ QCoro::Task<VerbResult> Verbs::run(QStringList arguments)
         co_return co_await refresh();
     if (line->verb == "join"_L1)
         co_return join();
+    if (line->verb == "action"_L1)
+        co_return action(line->arguments[0]);
     if (line->verb == "dismiss"_L1)
         co_return dismiss();
     if (line->verb == "show"_L1)
@@ -181,6 +183,15 @@ VerbResult Verbs::join()
     if (!meeting)
         return failed(ExitCode::Failed, u"There is no meeting with a link to join."_s);
     return done(u"Joining: %1\n"_s.arg(terminalText(meeting->title)));
+}
+
+VerbResult Verbs::action(const QString &name)
+{
+    const auto action = hotkeyActionFromRaw(name);
+    if (action == HotkeyAction::join)
+        return join();
+    m_delegate->perform(*action);
+    return done({});
 }
 
 VerbResult Verbs::dismiss()

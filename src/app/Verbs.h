@@ -31,6 +31,7 @@ private:
     [[nodiscard]] VerbResult status(bool json) const;
     [[nodiscard]] QCoro::Task<VerbResult> refresh();
     [[nodiscard]] VerbResult join();
+    [[nodiscard]] VerbResult action(const QString &name);
     [[nodiscard]] VerbResult dismiss();
     [[nodiscard]] VerbResult show();
     [[nodiscard]] QCoro::Task<VerbResult> addAccount();

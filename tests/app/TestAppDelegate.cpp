@@ -4,7 +4,9 @@
 #include <QQmlEngine>
 #include <QQuickView>
 #include <QSignalSpy>
+#include <QTcpServer>
 #include <QTest>
+#include <QWebSocket>
 
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
@@ -95,6 +97,55 @@ private Q_SLOTS:
         QCOMPARE(google->preferences.boolean(u"popover.hasShownInitialAutoOpen.v1"_s), true);
     }
 
+    void shortcutsAndBridgeFollowThePreferences()
+    {
+        google->preferences.setBoolean(u"popover.hasShownInitialAutoOpen.v1"_s, true);
+        const quint16 port = freePort();
+        start({ .bridgePort = port });
+        Preferences &preferences = delegate->environment().preferences();
+        const auto bound = [this] {
+            QStringList names;
+            for (const ShortcutBackend::Shortcut &shortcut :
+                 desktop->shortcuts.sets.value(desktop->shortcuts.sets.size() - 1))
+                names << QString::number(shortcut.id);
+            return names.join(u' ');
+        };
+        QCOMPARE(bound(), QString());
+
+        preferences.setEnableJoinShortcut(true);
+        QTRY_COMPARE(bound(), u"1"_s);
+        desktop->shortcuts.press(1);
+        QTRY_VERIFY2(isAgendaShown(), "nothing to join: the agenda instead");
+        preferences.setHotkey({}, HotkeyAction::join);
+        QTRY_COMPARE(bound(), QString());
+        preferences.resetHotkey(HotkeyAction::join);
+        preferences.setEnableMeetControls(true);
+        QTRY_COMPARE(bound(), u"1 2 3 4 5 16 17 6 7 8 9 10 11 12 13 14 15"_s);
+
+        // the bridge tells what the poll of the controls has found out
+        desktop->helper.scriptAnswer = HelperScriptReply {
+            true, uR"({"mic":false,"cam":true,"hand":false,"share":false,"found":true})"_s, {}
+        };
+        preferences.setEnableStreamDeckBridge(true);
+        QWebSocket client;
+        QSignalSpy messages(&client, &QWebSocket::textMessageReceived);
+        // it listens from the next turn on
+        QTest::qWait(0);
+        client.open(QUrl(u"ws://127.0.0.1:%1"_s.arg(port)));
+        QTRY_VERIFY(!messages.isEmpty()
+                    && messages.last().first().toString().contains(uR"("micOn":false)"_s));
+        client.sendTextMessage(uR"({"cmd":"meetHand"})"_s);
+        QTRY_VERIFY(std::ranges::any_of(desktop->helper.executed, [](const auto &call) {
+            return call.jsSource.contains("raise hand"_L1) && call.jsSource.contains("click()"_L1);
+        }));
+        preferences.setEnableStreamDeckBridge(false);
+        QTRY_COMPARE(client.state(), QAbstractSocket::UnconnectedState);
+
+        preferences.setEnableMeetControls(false);
+        QTRY_COMPARE(bound(), u"1"_s);
+        QTRY_VERIFY(!delegate->environment().meetState().inMeeting());
+    }
+
     void aMissingTrayIsSaidOnceForAll()
     {
         google->preferences.setBoolean(u"popover.hasShownInitialAutoOpen.v1"_s, true);
@@ -108,10 +159,17 @@ private Q_SLOTS:
     }
 
 private:
-    void start()
+    void start(const AppDelegate::Start &how = {})
     {
-        delegate = std::make_unique<AppDelegate>(google->preferences, google->services(), desktop->services(),
-                                                 AppDelegate::Start());
+        delegate =
+            std::make_unique<AppDelegate>(google->preferences, google->services(), desktop->services(), how);
+    }
+
+    [[nodiscard]] static quint16 freePort()
+    {
+        QTcpServer probe;
+        probe.listen(QHostAddress::LocalHost);
+        return probe.serverPort();
     }
 
     [[nodiscard]] static bool isAgendaShown()

@@ -37,6 +37,9 @@ private Q_SLOTS:
         row("--secret-store file", true);
         row("--secret-store cloud", false);
         row("agenda --colour", false);
+        row("action", false);
+        row("action meetMute", true);
+        row("action meetmute", false);
     }
 
     void acceptsWhatAVerbTakes()

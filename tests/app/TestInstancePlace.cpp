@@ -62,6 +62,9 @@ private Q_SLOTS:
         QVERIFY(first->busName != second->busName);
         QVERIFY(first->busName != own->busName);
         QVERIFY(first->secretService != own->secretService);
+        // the person's own browsers are never driven from elsewhere
+        QVERIFY(first->browserSockets != own->browserSockets);
+        QVERIFY(first->browserProfile != own->browserProfile);
         QCOMPARE(throughLink->busName, first->busName);
         QCOMPARE(throughLink->secretService, first->secretService);
     }
