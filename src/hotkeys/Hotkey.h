@@ -1,17 +1,10 @@
 #pragma once
+#include "platform/Modifier.h"
 #include <QString>
 #include <QStringList>
 #include <optional>
 
 namespace kestrel {
-
-/// Modifier bits of a Hotkey. Other bits are kept but not shown.
-namespace Modifier {
-inline constexpr quint32 Command = 256; ///< Super
-inline constexpr quint32 Shift = 512;
-inline constexpr quint32 Option = 2048; ///< Alt
-inline constexpr quint32 Control = 4096;
-} // namespace Modifier
 
 /// A shortcut. Key codes stand for positions of the US keyboard, in the numbering that the stored form fixes
 /// (38 is J, 46 is M), not for what a layout prints on them.

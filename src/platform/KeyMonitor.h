@@ -16,7 +16,7 @@ public:
 
 Q_SIGNALS:
     /// A key went down, modifier keys themselves aside. `keyCode` stands for the position on the US keyboard,
-    /// `modifiers` are the bits of Modifier (hotkeys/Hotkey.h).
+    /// `modifiers` are the bits of Modifier (platform/Modifier.h).
     void keyPressed(quint32 keyCode, quint32 modifiers);
     void mousePressed();
 };

@@ -6,7 +6,7 @@
 namespace kestrel {
 
 /// Global shortcuts as the desktop takes them. Key codes stand for positions of the US keyboard, modifiers
-/// are the bits of Modifier (hotkeys/Hotkey.h).
+/// are the bits of Modifier (platform/Modifier.h).
 class ShortcutBackend : public QObject
 {
     Q_OBJECT
