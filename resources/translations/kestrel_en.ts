@@ -244,6 +244,98 @@ Afterwards, “kestrel browser status” in a terminal says whether everything i
         <source>settings.calendar_color.reset</source>
         <translation>Use Google's colour</translation>
     </message>
+    <message id="settings.hotkey.modifier.command">
+        <source>settings.hotkey.modifier.command</source>
+        <translation>Super</translation>
+    </message>
+    <message id="settings.hotkey.modifier.control">
+        <source>settings.hotkey.modifier.control</source>
+        <translation>Ctrl</translation>
+    </message>
+    <message id="settings.hotkey.modifier.option">
+        <source>settings.hotkey.modifier.option</source>
+        <translation>Alt</translation>
+    </message>
+    <message id="settings.hotkey.modifier.shift">
+        <source>settings.hotkey.modifier.shift</source>
+        <translation>Shift</translation>
+    </message>
+    <message id="settings.hotkey.none">
+        <source>settings.hotkey.none</source>
+        <translation>No shortcut</translation>
+    </message>
+    <message id="settings.hotkey.recording">
+        <source>settings.hotkey.recording</source>
+        <translation>Press the keys…</translation>
+    </message>
+    <message id="settings.join_shortcut.keys">
+        <source>settings.join_shortcut.keys</source>
+        <translation>Join the next meeting</translation>
+    </message>
+    <message id="settings.meet_controls.focus">
+        <source>settings.meet_controls.focus</source>
+        <translation>Bring Meet to the front</translation>
+    </message>
+    <message id="settings.meet_controls.hand">
+        <source>settings.meet_controls.hand</source>
+        <translation>Raise or lower your hand</translation>
+    </message>
+    <message id="settings.meet_controls.leave">
+        <source>settings.meet_controls.leave</source>
+        <translation>Leave the call</translation>
+    </message>
+    <message id="settings.meet_controls.mute">
+        <source>settings.meet_controls.mute</source>
+        <translation>Microphone on or off</translation>
+    </message>
+    <message id="settings.meet_controls.react_clap">
+        <source>settings.meet_controls.react_clap</source>
+        <translation>Reaction: applause</translation>
+    </message>
+    <message id="settings.meet_controls.react_heart">
+        <source>settings.meet_controls.react_heart</source>
+        <translation>Reaction: heart</translation>
+    </message>
+    <message id="settings.meet_controls.react_laugh">
+        <source>settings.meet_controls.react_laugh</source>
+        <translation>Reaction: laughter</translation>
+    </message>
+    <message id="settings.meet_controls.react_love">
+        <source>settings.meet_controls.react_love</source>
+        <translation>Reaction: heart eyes</translation>
+    </message>
+    <message id="settings.meet_controls.react_party">
+        <source>settings.meet_controls.react_party</source>
+        <translation>Reaction: party popper</translation>
+    </message>
+    <message id="settings.meet_controls.react_sad">
+        <source>settings.meet_controls.react_sad</source>
+        <translation>Reaction: sadness</translation>
+    </message>
+    <message id="settings.meet_controls.react_surprise">
+        <source>settings.meet_controls.react_surprise</source>
+        <translation>Reaction: surprise</translation>
+    </message>
+    <message id="settings.meet_controls.react_thinking">
+        <source>settings.meet_controls.react_thinking</source>
+        <translation>Reaction: thinking</translation>
+    </message>
+    <message id="settings.meet_controls.react_thumbs">
+        <source>settings.meet_controls.react_thumbs</source>
+        <translation>Reaction: thumbs up</translation>
+    </message>
+    <message id="settings.meet_controls.react_thumbsdown">
+        <source>settings.meet_controls.react_thumbsdown</source>
+        <translation>Reaction: thumbs down</translation>
+    </message>
+    <message id="settings.meet_controls.share">
+        <source>settings.meet_controls.share</source>
+        <translation>Share the screen</translation>
+    </message>
+    <message id="settings.meet_controls.video">
+        <source>settings.meet_controls.video</source>
+        <translation>Camera on or off</translation>
+    </message>
     <message id="tray.unavailable.gnome">
         <source>tray.unavailable.gnome</source>
         <translation>GNOME shows no status icons by itself. Install the package gnome-shell-extension-appindicator, turn the extension on and sign in again. Until then “kestrel show” opens the agenda.</translation>

@@ -244,6 +244,98 @@ Después, «kestrel browser status» en un terminal te dirá si todo está listo
         <source>settings.calendar_color.reset</source>
         <translation>Usar el color de Google</translation>
     </message>
+    <message id="settings.hotkey.modifier.command">
+        <source>settings.hotkey.modifier.command</source>
+        <translation>Súper</translation>
+    </message>
+    <message id="settings.hotkey.modifier.control">
+        <source>settings.hotkey.modifier.control</source>
+        <translation>Ctrl</translation>
+    </message>
+    <message id="settings.hotkey.modifier.option">
+        <source>settings.hotkey.modifier.option</source>
+        <translation>Alt</translation>
+    </message>
+    <message id="settings.hotkey.modifier.shift">
+        <source>settings.hotkey.modifier.shift</source>
+        <translation>Mayús</translation>
+    </message>
+    <message id="settings.hotkey.none">
+        <source>settings.hotkey.none</source>
+        <translation>Sin atajo</translation>
+    </message>
+    <message id="settings.hotkey.recording">
+        <source>settings.hotkey.recording</source>
+        <translation>Pulsa las teclas…</translation>
+    </message>
+    <message id="settings.join_shortcut.keys">
+        <source>settings.join_shortcut.keys</source>
+        <translation>Entrar en la próxima reunión</translation>
+    </message>
+    <message id="settings.meet_controls.focus">
+        <source>settings.meet_controls.focus</source>
+        <translation>Traer Meet al frente</translation>
+    </message>
+    <message id="settings.meet_controls.hand">
+        <source>settings.meet_controls.hand</source>
+        <translation>Levantar o bajar la mano</translation>
+    </message>
+    <message id="settings.meet_controls.leave">
+        <source>settings.meet_controls.leave</source>
+        <translation>Salir de la llamada</translation>
+    </message>
+    <message id="settings.meet_controls.mute">
+        <source>settings.meet_controls.mute</source>
+        <translation>Activar o desactivar el micrófono</translation>
+    </message>
+    <message id="settings.meet_controls.react_clap">
+        <source>settings.meet_controls.react_clap</source>
+        <translation>Reacción: aplausos</translation>
+    </message>
+    <message id="settings.meet_controls.react_heart">
+        <source>settings.meet_controls.react_heart</source>
+        <translation>Reacción: corazón</translation>
+    </message>
+    <message id="settings.meet_controls.react_laugh">
+        <source>settings.meet_controls.react_laugh</source>
+        <translation>Reacción: risa</translation>
+    </message>
+    <message id="settings.meet_controls.react_love">
+        <source>settings.meet_controls.react_love</source>
+        <translation>Reacción: ojos de corazón</translation>
+    </message>
+    <message id="settings.meet_controls.react_party">
+        <source>settings.meet_controls.react_party</source>
+        <translation>Reacción: fiesta</translation>
+    </message>
+    <message id="settings.meet_controls.react_sad">
+        <source>settings.meet_controls.react_sad</source>
+        <translation>Reacción: tristeza</translation>
+    </message>
+    <message id="settings.meet_controls.react_surprise">
+        <source>settings.meet_controls.react_surprise</source>
+        <translation>Reacción: sorpresa</translation>
+    </message>
+    <message id="settings.meet_controls.react_thinking">
+        <source>settings.meet_controls.react_thinking</source>
+        <translation>Reacción: cara pensativa</translation>
+    </message>
+    <message id="settings.meet_controls.react_thumbs">
+        <source>settings.meet_controls.react_thumbs</source>
+        <translation>Reacción: pulgar hacia arriba</translation>
+    </message>
+    <message id="settings.meet_controls.react_thumbsdown">
+        <source>settings.meet_controls.react_thumbsdown</source>
+        <translation>Reacción: pulgar hacia abajo</translation>
+    </message>
+    <message id="settings.meet_controls.share">
+        <source>settings.meet_controls.share</source>
+        <translation>Compartir la pantalla</translation>
+    </message>
+    <message id="settings.meet_controls.video">
+        <source>settings.meet_controls.video</source>
+        <translation>Activar o desactivar la cámara</translation>
+    </message>
     <message id="tray.unavailable.gnome">
         <source>tray.unavailable.gnome</source>
         <translation>GNOME no muestra iconos de estado por sí solo. Instala el paquete gnome-shell-extension-appindicator, activa la extensión y vuelve a iniciar sesión. Mientras tanto, «kestrel show» abre la agenda.</translation>

@@ -13,9 +13,9 @@ HotkeyDispatcher::HotkeyDispatcher(ShortcutBackend &backend)
     connect(&backend, &ShortcutBackend::pressed, this, &HotkeyDispatcher::runLater);
 }
 
-void HotkeyDispatcher::add(GlobalHotkey &hotkey, const std::function<void()> &action)
+void HotkeyDispatcher::add(GlobalHotkey &hotkey)
 {
-    m_actions.insert(hotkey.m_shortcut.id, action);
+    m_actions.insert(hotkey.m_shortcut.id, hotkey.m_action);
     m_hotkeys.append(&hotkey);
     bindLater();
 }
@@ -71,11 +71,14 @@ void HotkeyDispatcher::tell(const QList<ShortcutBackend::Outcome> &outcomes)
 {
     for (const auto &[id, isBound] : outcomes) {
         bool isWanted = false;
-        for (GlobalHotkey *hotkey : QList(m_hotkeys)) {
+        for (GlobalHotkey *hotkey : std::as_const(m_hotkeys)) {
             if (hotkey->m_shortcut.id != id)
                 continue;
-            isWanted = true;
+            // the desktop took it back and gives it again
+            if (isBound && hotkey->m_state == GlobalHotkey::State::Refused)
+                m_actions.insert(id, hotkey->m_action);
             hotkey->answer(isBound);
+            isWanted = true;
         }
         if (isWanted && !isBound)
             m_actions.remove(id);

@@ -19,15 +19,16 @@ class HotkeyDispatcher final : public QObject
 public:
     explicit HotkeyDispatcher(ShortcutBackend &backend);
 
-    /// While a shortcut is being recorded: every key reaches the recorder.
+    /// While a shortcut is being recorded: no registered one takes its key away from the recorder.
     void setSuspended(bool suspended) { m_backend.setSuspended(suspended); }
 
 private:
     friend class GlobalHotkey;
 
-    void add(GlobalHotkey &hotkey, const std::function<void()> &action);
+    void add(GlobalHotkey &hotkey);
+    /// The hotkey and whatever action stands under its identifier.
     void remove(GlobalHotkey &hotkey);
-    /// The hotkey goes: as remove(), but its action stays until the desktop has answered.
+    /// The hotkey alone.
     void forget(GlobalHotkey &hotkey);
 
     void bindLater();
