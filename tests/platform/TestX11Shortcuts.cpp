@@ -1,5 +1,7 @@
 #include "platform/Modifier.h"
 #include "platform/linux/KeyPositions.h"
+#include "platform/linux/MakeShortcutBackend.h"
+#include "platform/linux/PortalShortcuts.h"
 #include "platform/linux/X11Shortcuts.h"
 #include <QGuiApplication>
 #include <QProcess>
@@ -171,6 +173,16 @@ private Q_SLOTS:
         if (state() & XCB_MOD_MASK_2)
             xdotool(u"key 77"_s);
         QCOMPARE(state(), 0);
+    }
+
+    void insideWaylandThePortalHasTheKeys()
+    {
+        const auto bus = QDBusConnection::sessionBus();
+        QVERIFY(dynamic_cast<X11Shortcuts *>(makeShortcutBackend(bus).get()));
+        qputenv("WAYLAND_DISPLAY", "wayland-0");
+        const auto backend = makeShortcutBackend(bus);
+        qunsetenv("WAYLAND_DISPLAY");
+        QVERIFY(dynamic_cast<PortalShortcuts *>(backend.get()));
     }
 
     void locksAndLayoutsDoNotMatter_data()
