@@ -164,23 +164,12 @@ void X11Shortcuts::tryToGrab(const QList<Chord> &chords)
                                                     XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC));
         m_held.insert(chord);
     }
-    const auto downAsked = xcb_query_keymap(connection);
     QSet<Chord> refused;
     for (const auto &[chord, cookie] : std::as_const(asked)) {
         if (const x11::Reply<xcb_generic_error_t> error(xcb_request_check(connection, cookie)); error)
             refused.insert(chord);
     }
     letGo(refused.values()); // some of its variants may have been free
-
-    // A key that is down already was not pressed as a shortcut, though the server repeats it as one
-    if (const x11::Reply<xcb_query_keymap_reply_t> down(
-            xcb_query_keymap_reply(connection, downAsked, nullptr));
-        down) {
-        for (const Chord &chord : chords) {
-            if (down->keys[chord.first / 8] & (1 << chord.first % 8))
-                m_keysDown.insert(chord.first);
-        }
-    }
 }
 
 void X11Shortcuts::letGo(const QList<Chord> &chords)
@@ -232,7 +221,8 @@ bool X11Shortcuts::takePress(const xcb_key_press_event_t &press)
 {
     if (press.event != x11::root())
         return false;
-    // a key that repeats is released and pressed in the same moment, or only pressed
+    // A key that repeats is released and pressed in the same moment, or only pressed where the connection
+    // asked for that. The first is true of one that was down before it was grabbed, too.
     const bool isRepeat = m_keysDown.contains(press.detail)
         || m_lastRelease == std::pair<quint8, xcb_timestamp_t>(press.detail, press.time);
     m_keysDown.insert(press.detail);
