@@ -57,7 +57,7 @@ X11Shortcuts::ModifierMasks X11Shortcuts::askModifierMasks()
     ModifierMasks masks;
     const auto learn = [&](xcb_keycode_t keycode, quint16 bit) {
         const xcb_keysym_t *first = xcb_get_keyboard_mapping_keysyms(keys.get())
-            + (keycode - setup->min_keycode) * keys->keysyms_per_keycode;
+            + ptrdiff_t(keycode - setup->min_keycode) * keys->keysyms_per_keycode;
         for (const xcb_keysym_t *symbol = first; symbol != first + keys->keysyms_per_keycode; ++symbol) {
             quint16 *mask = nullptr;
             if (*symbol == numLockKeysym)
