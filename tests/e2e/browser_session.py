@@ -1,5 +1,6 @@
 """A real browser with our extension and its relay, in folders of its own, against the sample call."""
 
+import functools
 import json
 import os
 import pathlib
@@ -17,7 +18,7 @@ from kestrel_session import BIN, wait_until
 
 EXTENSION = pathlib.Path(__file__).resolve().parents[2] / "src/helper/extension"
 EXTENSION_ID = "gcoehfepgndjcehifahbpicecdkiomml"
-RELAY = BIN / "kestrel-browser-relay"
+RELAY = (BIN / "kestrel-browser-relay").resolve()
 
 
 class SampleCall:
@@ -41,11 +42,15 @@ class RelayClient:
     """One connection to a relay's socket."""
 
     def __init__(self, path, seconds=30):
+        self.path = pathlib.Path(path)
         self.socket = socket.socket(socket.AF_UNIX)
         self.socket.settimeout(seconds)
         self.socket.connect(str(path))
-        self.greeting = self.receive()
         self.identifiers = (f"test-{os.getpid()}-{n}" for n in range(10**6))
+
+    @functools.cached_property
+    def greeting(self):
+        return self.receive()
 
     def send(self, message):
         body = message if isinstance(message, bytes) else json.dumps(message).encode()
@@ -66,6 +71,7 @@ class RelayClient:
 
     def ask(self, op, **arguments):
         """The answer without its identifier."""
+        assert self.greeting["relay"] == 1
         identifier = next(self.identifiers)
         self.send({"id": identifier, "op": op, **arguments})
         while (answer := self.receive()).get("id") != identifier:
@@ -114,7 +120,8 @@ class Browser:
                 "--no-default-browser-check", *arguments]
 
     def environment(self):
-        return dict(os.environ, KESTREL_BROWSER_SOCKETS=str(self.sockets))
+        return dict(os.environ, KESTREL_BROWSER_SOCKETS=str(self.sockets),
+                    KESTREL_BROWSER_EXTENSION=str(self.extension))
 
     def start(self, *arguments):
         """With addresses of pages, or options. A second call opens more in the running browser."""

@@ -28,9 +28,14 @@ function isMeetTab(tab, marker) {
     return tab.url !== undefined && new URL(tab.url).origin === meetOrigin && tab.url.includes(marker);
 }
 
+/// A tab that the browser has put to sleep runs no scripts until it is looked at.
+function isAsleep(tab) {
+    return tab.discarded || tab.frozen === true;
+}
+
 async function find(marker) {
     const tabs = (await chrome.tabs.query({})).filter(tab => isMeetTab(tab, marker));
-    tabs.sort((a, b) => a.windowId - b.windowId || a.index - b.index);
+    tabs.sort((a, b) => isAsleep(a) - isAsleep(b) || a.windowId - b.windowId || a.index - b.index);
     return tabs[0]?.id ?? null;
 }
 
@@ -52,9 +57,9 @@ async function run(request) {
         await activate(tab);
     if (request.source.trim() === "")
         return { result: null };
-    const outcome = await runScript(tab.id, request.source);
-    // a page that goes away takes its script with it
-    return "error" in outcome && !await present(request) ? { gone: true } : outcome;
+    if (isAsleep(tab) && !request.activate)
+        return { gone: true };
+    return runScript(tab.id, request.source);
 }
 
 async function activate(tab) {

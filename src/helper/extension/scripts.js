@@ -13,7 +13,7 @@ export function allowsScripts() {
     }
 }
 
-/// { result } with a text or null, or { error }.
+/// { result } with a text or null, { error }, or { gone } when the page went away under the script.
 export async function runScript(tabId, source) {
     const code = `(${evaluate})(${JSON.stringify(source)}, (${await frames})(), ${longestResult})`;
     const injection = { target: { tabId }, js: [{ code }], world: "USER_SCRIPT", injectImmediately: true };
@@ -22,7 +22,7 @@ export async function runScript(tabId, source) {
         world ??= chrome.userScripts.configureWorld({ csp: "script-src 'self' 'unsafe-eval'" });
         await world;
         const [{ result, error }] = await Promise.race([chrome.userScripts.execute(injection), late]);
-        return result ?? { error: error ?? "the page does not run scripts" };
+        return result ?? (error ? { error } : { gone: true });
     } catch (error) {
         world = null;
         return { error: allowsScripts() ? error.message : "Allow User Scripts is off" };
