@@ -53,14 +53,19 @@ std::optional<QString> DesktopApplicationLookup::locationOf(const QString &bundl
     for (const ChromiumBrowser &browser : chromiumBrowsers()) {
         if (browser.bundleIdentifier != bundleIdentifier)
             continue;
-        for (const QString &folder : m_folders) {
-            QString path = folder + u'/' + browser.desktopID + u".desktop"_s;
-            if (!QFileInfo(path).isFile())
-                continue;
-            if (isInstalled(path))
-                return path;
-            break; // the first file of a name stands for all of them, also when it takes the entry away
-        }
+        if (auto path = locationOf(browser))
+            return path;
+    }
+    return {};
+}
+
+std::optional<QString> DesktopApplicationLookup::locationOf(const ChromiumBrowser &browser) const
+{
+    for (const QString &folder : m_folders) {
+        QString path = folder + u'/' + browser.desktopID + u".desktop"_s;
+        // the first file of a name stands for all of them, also when it takes the entry away
+        if (QFileInfo(path).isFile())
+            return isInstalled(path) ? std::optional(path) : std::nullopt;
     }
     return {};
 }
