@@ -3,9 +3,7 @@
 #include <cerrno>
 #include <climits>
 #include <csignal>
-#include <cstdio>
 #include <cstdlib>
-#include <cstring>
 #include <fcntl.h>
 #include <string_view>
 #include <unistd.h>
@@ -21,16 +19,27 @@ std::string linkTarget(const std::string &path)
     return length < 0 ? std::string() : std::string(target.data(), static_cast<std::size_t>(length));
 }
 
-std::vector<std::string> commandLine(const std::string &path)
+std::string contentOf(const std::string &path)
 {
-    std::vector<std::string> words;
-    const int file = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
     std::string text;
+    const int file = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
     std::array<char, 4096> part {};
     for (ssize_t length = 0; file >= 0 && (length = ::read(file, part.data(), part.size())) > 0;)
         text.append(part.data(), static_cast<std::size_t>(length));
     if (file >= 0)
         ::close(file);
+    return text;
+}
+
+std::vector<std::string> commandLine(const std::string &path)
+{
+    // that of a process that is starting another one is empty for a moment
+    std::string text = contentOf(path);
+    for (int tries = 0; text.empty() && tries < 100; ++tries) {
+        ::usleep(1000);
+        text = contentOf(path);
+    }
+    std::vector<std::string> words;
     for (std::size_t start = 0; start < text.size();) {
         const auto end = std::min(text.find('\0', start), text.size());
         words.push_back(text.substr(start, end - start));
@@ -71,8 +80,10 @@ std::string userDataDir(const std::string &program, const std::vector<std::strin
     for (auto word = arguments.rbegin(); word != arguments.rend(); ++word) {
         if (!word->starts_with(option))
             continue;
-        const std::string folder = word->substr(option.size());
-        return folder.starts_with('/') || workingFolder.empty() ? folder : workingFolder + '/' + folder;
+        std::string folder = word->substr(option.size());
+        if (folder.starts_with('/') || workingFolder.empty())
+            return folder;
+        return std::string(workingFolder).append(1, '/').append(folder);
     }
     if (auto folder = environment("CHROME_USER_DATA_DIR"); !folder.empty())
         return folder;
@@ -83,7 +94,7 @@ std::string userDataDir(const std::string &program, const std::vector<std::strin
         config = environment("HOME") + "/.config";
     for (const UsualFolder &usual : usualFolders) {
         if (program.find(usual.program) != std::string::npos)
-            return config + '/' + std::string(usual.folder);
+            return config.append(1, '/').append(usual.folder);
     }
     return {};
 }
@@ -102,7 +113,7 @@ Browser parentBrowser()
     return browser;
 }
 
-Browser startBrowser(const std::vector<std::string> &command)
+std::expected<Browser, int> startBrowser(const std::vector<std::string> &command)
 {
     Browser browser;
     browser.route = "devtools";
@@ -112,36 +123,46 @@ Browser startBrowser(const std::vector<std::string> &command)
     browser.userDataDir =
         userDataDir(browser.program, command, ::getcwd(folder.data(), folder.size()) ? folder.data() : "");
 
-    // 5 and above, so that neither end lies where the browser's ends go
+    // 5 and above, so that no end lies where the browser's ends go
     std::array<int, 2> told {};
     std::array<int, 2> said {};
-    if (::pipe2(told.data(), O_CLOEXEC) != 0 || ::pipe2(said.data(), O_CLOEXEC) != 0)
-        return browser;
-    for (int *end : { &told[0], &told[1], &said[0], &said[1] }) {
-        const int moved = ::fcntl(*end, F_DUPFD_CLOEXEC, 5);
-        ::close(*end);
-        *end = moved;
+    std::array<int, 2> fault {}; ///< tells why the program cannot be run, and closes when it runs
+    for (auto *ends : { &told, &said, &fault }) {
+        if (::pipe2(ends->data(), O_CLOEXEC) != 0)
+            return std::unexpected(errno);
+        for (int &end : *ends) {
+            const int moved = ::fcntl(end, F_DUPFD_CLOEXEC, 5);
+            ::close(end);
+            end = moved;
+        }
     }
     std::vector<char *> words;
+    words.reserve(command.size() + 1);
     for (const std::string &word : command)
-        words.push_back(const_cast<char *>(word.c_str()));
+        words.push_back(const_cast<char *>(word.c_str())); // exec takes what it does not change
     words.push_back(nullptr);
 
     browser.pid = ::fork();
+    if (browser.pid < 0)
+        return std::unexpected(errno);
     if (browser.pid == 0) {
         ::dup2(told[0], 3);
         ::dup2(said[1], 4);
         std::signal(SIGPIPE, SIG_DFL);
         ::execvp(words[0], words.data());
-        std::fprintf(stderr, "kestrel-browser-relay: %s: %s\n", words[0], std::strerror(errno));
+        const int error = errno;
+        (void)!::write(fault[1], &error, sizeof error);
         ::_exit(127);
     }
-    ::close(told[0]);
-    ::close(said[1]);
-    if (browser.pid > 0) {
-        browser.input = said[0];
-        browser.output = told[1];
-    }
+    for (const int end : { told[0], said[1], fault[1] })
+        ::close(end);
+    int error = 0;
+    const bool failed = ::read(fault[0], &error, sizeof error) == sizeof error;
+    ::close(fault[0]);
+    if (failed)
+        return std::unexpected(error);
+    browser.input = said[0];
+    browser.output = told[1];
     return browser;
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 #include "helper/relay/Frames.h"
+#include <expected>
 #include <string>
 #include <sys/types.h>
 #include <vector>
@@ -21,9 +22,8 @@ struct Browser
 /// The browser that started this process as its native-messaging host.
 [[nodiscard]] Browser parentBrowser();
 
-/// Starts `command` with a DevTools pipe. Descriptors of -1 when no process could be made; a program that
-/// cannot be run ends at once with status 127.
-[[nodiscard]] Browser startBrowser(const std::vector<std::string> &command);
+/// Starts `command` with a DevTools pipe. The error is a number of errno: the program cannot be run.
+[[nodiscard]] std::expected<Browser, int> startBrowser(const std::vector<std::string> &command);
 
 /// The data folder that a browser of this program and these arguments works in, as far as can be told.
 [[nodiscard]] std::string userDataDir(const std::string &program, const std::vector<std::string> &arguments,

@@ -85,7 +85,7 @@ bool FrameReader::feedZeros(std::string_view bytes, const std::function<void(std
 /// A large message must not stay in memory for as long as the browser runs.
 void FrameReader::release()
 {
-    if (m_body.capacity() > 16 * 1024)
+    if (m_body.capacity() > 16'384)
         std::string().swap(m_body);
     m_body.clear();
 }

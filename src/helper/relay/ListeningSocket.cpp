@@ -6,6 +6,7 @@
 #include <cstring>
 #include <ctime>
 #include <dirent.h>
+#include <string_view>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/un.h>
@@ -62,6 +63,8 @@ void removeIfForsaken(const std::string &path)
     if (!fits(path))
         return;
     const int probe = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
+    if (probe < 0)
+        return;
     const sockaddr_un address = addressOf(path);
     if (::connect(probe, reinterpret_cast<const sockaddr *>(&address), sizeof address) != 0
         && errno == ECONNREFUSED)
@@ -75,9 +78,9 @@ void removeForsaken(const std::string &folder)
     if (!entries)
         return;
     while (const dirent *entry = ::readdir(entries)) {
-        const std::string name = static_cast<const char *>(entry->d_name);
+        const std::string_view name = static_cast<const char *>(entry->d_name);
         if (name.ends_with(".sock"))
-            removeIfForsaken(folder + '/' + name);
+            removeIfForsaken(std::string(folder).append(1, '/').append(name));
     }
     ::closedir(entries);
 }
@@ -128,16 +131,15 @@ std::string ListeningSocket::open()
 
 int ListeningSocket::accept() const
 {
-    for (;;) {
-        const int client = ::accept4(m_descriptor, nullptr, nullptr, SOCK_CLOEXEC | SOCK_NONBLOCK);
-        if (client < 0)
-            return -1;
-        ucred peer {};
-        socklen_t size = sizeof peer;
-        if (::getsockopt(client, SOL_SOCKET, SO_PEERCRED, &peer, &size) == 0 && peer.uid == ::geteuid())
-            return client;
-        ::close(client);
-    }
+    const int client = ::accept4(m_descriptor, nullptr, nullptr, SOCK_CLOEXEC | SOCK_NONBLOCK);
+    if (client < 0)
+        return -1;
+    ucred peer {};
+    socklen_t size = sizeof peer;
+    if (::getsockopt(client, SOL_SOCKET, SO_PEERCRED, &peer, &size) == 0 && peer.uid == ::geteuid())
+        return client;
+    ::close(client);
+    return -1;
 }
 
 } // namespace kestrel::relay

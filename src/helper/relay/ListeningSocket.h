@@ -19,7 +19,7 @@ public:
     [[nodiscard]] int descriptor() const { return m_descriptor; }
     [[nodiscard]] const std::string &path() const { return m_path; }
 
-    /// The next client of the same user, non-blocking; -1 when there is none.
+    /// The next client, non-blocking; -1 when there is none, or it is another user's and was turned away.
     [[nodiscard]] int accept() const;
 
 private:

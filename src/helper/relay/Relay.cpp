@@ -18,7 +18,7 @@ namespace {
 
 constexpr std::size_t mostClients = 8;
 constexpr std::size_t mostWaiting = 4'000'000; ///< bytes, for one receiver
-constexpr long long helloPatience = 1000;
+constexpr long long helloPatience = 700;
 constexpr std::string_view helloStart = R"({"hello":1,)";
 
 long long milliseconds()
@@ -136,8 +136,9 @@ void Relay::run()
             m_hello.clear();
             greetWaiting();
         }
+        // one a turn, so that whoever left before it came is noticed first
         if (polled[Listener].revents != 0)
-            acceptClients();
+            acceptClient();
         if (!m_toBrowser.flush(m_browser.output))
             return;
         // one that has let too much wait for it is stuck
@@ -152,7 +153,7 @@ void Relay::run()
 
 bool Relay::readBrowser()
 {
-    std::array<char, 16 * 1024> bytes; // NOLINT(cppcoreguidelines-pro-type-member-init)
+    std::array<char, 16'384> bytes; // NOLINT(cppcoreguidelines-pro-type-member-init)
     const ssize_t count = ::read(m_browser.input, bytes.data(), bytes.size());
     if (count <= 0)
         return count < 0 && isMomentary(errno);
@@ -186,26 +187,27 @@ void Relay::sayHello()
     m_toBrowser.add(std::make_shared<const std::string>(framed(hello, m_browser.framing)));
 }
 
-void Relay::acceptClients()
+void Relay::acceptClient()
 {
-    for (int descriptor = m_socket.accept(); descriptor >= 0; descriptor = m_socket.accept()) {
-        if (m_clients.size() == mostClients) {
-            ::close(descriptor);
-            continue;
-        }
-        m_clients.push_back({ descriptor });
-        if (m_browser.route == "extension") {
-            m_clients.back().greetBy = milliseconds() + helloPatience;
-            sayHello();
-        } else {
-            greet(m_clients.back());
-        }
+    const int descriptor = m_socket.accept();
+    if (descriptor < 0)
+        return;
+    if (m_clients.size() == mostClients) {
+        ::close(descriptor);
+        return;
+    }
+    m_clients.push_back({ descriptor });
+    if (m_browser.route == "extension") {
+        m_clients.back().greetBy = milliseconds() + helloPatience;
+        sayHello();
+    } else {
+        greet(m_clients.back());
     }
 }
 
 bool Relay::readClient(Client &client)
 {
-    std::array<char, 16 * 1024> bytes; // NOLINT(cppcoreguidelines-pro-type-member-init)
+    std::array<char, 16'384> bytes; // NOLINT(cppcoreguidelines-pro-type-member-init)
     const ssize_t count = ::read(client.descriptor, bytes.data(), bytes.size());
     if (count <= 0)
         return count < 0 && isMomentary(errno);

@@ -47,7 +47,7 @@ private:
     void takeFromBrowser(std::string_view message);
     /// To the extension, which answers with what holds now.
     void sayHello();
-    void acceptClients();
+    void acceptClient();
     [[nodiscard]] bool readClient(Client &client);
     void greet(Client &client);
     void greetWaiting();

@@ -2,10 +2,10 @@
 #include <array>
 #include <csignal>
 #include <cstdio>
+#include <cstring>
 #include <malloc.h>
 #include <string_view>
 #include <sys/signalfd.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 using namespace kestrel::relay;
@@ -46,20 +46,16 @@ int serveOwnBrowser(const std::vector<std::string> &command)
     ListeningSocket socket;
     if (const auto fault = socket.open(); !fault.empty())
         return complain(fault);
-    const Browser browser = startBrowser(command);
-    if (browser.output < 0)
-        return complain("no process can be started");
+    const auto browser = startBrowser(command);
+    if (!browser)
+        return complain(command.front() + ": " + std::strerror(browser.error()));
     const int signals = endingSignals();
     // whoever started us need not look for the socket
     std::puts(socket.path().c_str());
     std::fflush(stdout);
     ::close(STDOUT_FILENO);
-    Relay(browser, socket, signals).run();
-    ::close(browser.output);
-    ::close(browser.input);
-    int status = 0;
-    const bool hasEnded = ::waitpid(browser.pid, &status, WNOHANG) == browser.pid;
-    return hasEnded && WIFEXITED(status) && WEXITSTATUS(status) == 127 ? 1 : 0;
+    Relay(*browser, socket, signals).run();
+    return 0;
 }
 
 } // namespace
