@@ -56,6 +56,12 @@ constexpr std::array verbs {
         "address\n"
         "in place of the default browser."_L1,
         1, 2, "json"_L1 },
+    Verb { "browser"_L1, "browser install | status [--json]"_L1, "Kestrel's extension in your browsers"_L1,
+           "install copies the extension, makes every Chromium-family browser ready for it, and says what is "
+           "left to do.\n"
+           "status shows for each browser and profile what is connected and what is missing.\n"
+           "Neither needs a running Kestrel."_L1,
+           1, 1, "json"_L1 },
     Verb { "meetings"_L1, "meetings FILE [--json] [--now INSTANT] [--account ID] [--calendar ID]"_L1,
            "what Kestrel makes of a saved calendar answer"_L1,
            "Decodes FILE, a saved answer of the calendar API's events list (- is standard input), and prints "
@@ -97,6 +103,11 @@ std::expected<void, QString> checkVerb(const CommandLine &line, const QStringLis
     if (line.verb == "accounts"_L1
         && (!QStringList { u"add"_s, u"list"_s, u"remove"_s }.contains(line.arguments[0])
             || (!wantsAccount && count != 1))) {
+        return std::unexpected(u"Usage: kestrel %1"_s.arg(verb->synopsis));
+    }
+    const bool isBrowserStatus = line.arguments.value(0) == "status"_L1;
+    if (line.verb == "browser"_L1
+        && ((!isBrowserStatus && line.arguments[0] != "install"_L1) || (line.json && !isBrowserStatus))) {
         return std::unexpected(u"Usage: kestrel %1"_s.arg(verb->synopsis));
     }
     return {};

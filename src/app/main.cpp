@@ -1,4 +1,5 @@
 #include "app/Application.h"
+#include "app/BrowserVerb.h"
 #include "app/GoogleClientFile.h"
 #include "base/AppIdentifier.h"
 #include "base/Log.h"
@@ -69,6 +70,8 @@ int main(int argc, char **argv)
     auto place = InstancePlace::resolve(line->dataFolder, line->googleBase);
     if (!place)
         return complain(ExitCode::Usage, place.error());
+    if (line->verb == "browser"_L1)
+        return printResult(browserVerb(*line, *place));
     auto client = googleClient(place->clientFile);
     if (!client)
         return complain(ExitCode::Failed, client.error());

@@ -29,6 +29,11 @@ private Q_SLOTS:
         row("accounts add", true);
         row("accounts remove", false);
         row("accounts remove A", true);
+        row("browser", false);
+        row("browser install", true);
+        row("browser install --json", false);
+        row("browser status --json", true);
+        row("browser remove", false);
         row("meetings", false);
         row("meetings saved.json --now 2026-03-01T09:30:00Z --account A --calendar C --json", true);
         row("agenda --now 2026-03-01T09:30:00Z", false);

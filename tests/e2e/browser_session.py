@@ -90,20 +90,22 @@ class RelayClient:
 
 
 class Browser:
-    """Chromium with a data folder of its own; its profiles are made ready before it starts."""
+    """Chromium with a data folder of its own; its profiles are made ready before it starts. A `data` folder that is given
+    has been made ready for our relay by others."""
 
-    def __init__(self, call, profiles=("Default",), user_scripts=True, extension=EXTENSION):
+    def __init__(self, call, profiles=("Default",), user_scripts=True, extension=EXTENSION, data=None):
         self.folder = tempfile.TemporaryDirectory(prefix="kestrel-browser-")
         place = pathlib.Path(self.folder.name)
-        self.data = place / "data"
+        self.data = data or place / "data"
         self.sockets = place / "sockets"
         self.extension = extension
         self.host = f"--host-resolver-rules=MAP meet.google.com 127.0.0.1:{call.port}"
-        hosts = self.data / "NativeMessagingHosts"
-        hosts.mkdir(parents=True)
-        (hosts / "app.kestrel.kestrel.json").write_text(json.dumps({
-            "name": "app.kestrel.kestrel", "description": "Kestrel", "path": str(RELAY), "type": "stdio",
-            "allowed_origins": [f"chrome-extension://{EXTENSION_ID}/"]}))
+        if data is None:
+            hosts = self.data / "NativeMessagingHosts"
+            hosts.mkdir(parents=True)
+            (hosts / "app.kestrel.kestrel.json").write_text(json.dumps({
+                "name": "app.kestrel.kestrel", "description": "Kestrel", "path": str(RELAY), "type": "stdio",
+                "allowed_origins": [f"chrome-extension://{EXTENSION_ID}/"]}))
         for profile in profiles:
             (self.data / profile).mkdir()
             (self.data / profile / "Preferences").write_text(json.dumps({

@@ -1,13 +1,16 @@
 """Our extension and its relay in a real browser with windows, asked through the relay's socket as the helper asks."""
 
 import json
+import os
+import pathlib
 import shutil
 import signal
 import subprocess
+import tempfile
 import unittest
 
 from browser_session import EXTENSION, EXTENSION_ID, RELAY, Browser, RelayClient, SampleCall
-from kestrel_session import wait_until
+from kestrel_session import BIN, wait_until
 
 # presses a button, then one that comes later, and the first again in the end: as long as frames and timers go on
 REACT = """(() => {
@@ -303,6 +306,17 @@ class Lives(BrowserTest):
         except (EOFError, OSError, IndexError):
             return False
 
+    def test_finds_a_relay_that_is_installed_later(self):
+        browser = Browser(self.call)
+        self.addCleanup(browser.stop)
+        [manifest] = (browser.data / "NativeMessagingHosts").iterdir()
+        away = manifest.rename(browser.data / "away")
+        browser.start("https://meet.google.com/abc")
+        wait_until(lambda: (browser.data / "Default/Service Worker").exists(), "the extension runs")
+        self.assertEqual(browser.socket_paths(), [])
+        away.rename(manifest)
+        self.assertTrue(self.tab(browser.relays()[0]))
+
     def test_starts_anew_when_it_was_updated_in_its_folder(self):
         place = Browser(self.call)
         self.addCleanup(place.stop)
@@ -324,6 +338,55 @@ class Lives(BrowserTest):
             return RelayClient(browser.socket_paths()[-1]).greeting.get("revision")
         except (EOFError, OSError, IndexError):
             return None
+
+
+class SetUp(BrowserTest):
+    def kestrel(self, *arguments, **variables):
+        return subprocess.run([BIN / "kestrel", "browser", *arguments], env={**os.environ, **variables},
+                              capture_output=True, text=True, timeout=60)
+
+    def test_by_the_command_line(self):
+        folder = tempfile.TemporaryDirectory(prefix="kestrel-setup-")
+        self.addCleanup(folder.cleanup)
+        place = pathlib.Path(folder.name)
+        applications = place / "share/applications"
+        applications.mkdir(parents=True)
+        variables = {"KESTREL_DATA": str(place / "kestrel"), "XDG_DATA_HOME": str(place / "share"), "XDG_DATA_DIRS": str(place)}
+        nothing = self.kestrel("install", **variables)
+        self.assertEqual(nothing.returncode, 1)
+        self.assertIn("no browser", nothing.stderr)
+
+        (applications / "chromium.desktop").write_text("[Desktop Entry]\nExec=chromium\n")
+        (applications / "chromium_chromium.desktop").write_text("[Desktop Entry]\nExec=chromium\n")
+        installed = self.kestrel("install", **variables)
+        self.assertEqual((installed.returncode, installed.stderr), (0, ""))
+        for said in ("Load unpacked", "Allow User Scripts", f"{place}/kestrel/browser-extension", "Chromium (Snap)"):
+            self.assertIn(said, installed.stdout)
+
+        browser = Browser(self.call, extension=place / "kestrel/browser-extension",
+                          data=place / "kestrel/home/.config/chromium")
+        self.addCleanup(browser.stop)
+        variables["KESTREL_BROWSER_SOCKETS"] = str(browser.sockets)
+        self.assertIn("not connected", self.kestrel("status", **variables).stdout)
+        browser.start("https://meet.google.com/abc")
+        [client] = browser.relays()
+        self.assertEqual(client.run(self.tab(client), "'works'"), {"result": "works"})
+        report = json.loads(self.kestrel("status", "--json", **variables).stdout)
+        native, snap = report["browsers"]
+        self.assertEqual((native["manifest"], snap["manifest"]), ("current", "impossible"))
+        [connection] = native["connections"]
+        self.assertEqual(connection["revision"], report["installedRevision"])
+        self.assertEqual(report["installedRevision"], report["shippedRevision"])
+        self.assertIs(connection["userScripts"], True)
+
+        with self.subTest("what the browser writes about its profiles"):
+            browser.process.terminate()
+            browser.process.wait(30)
+            [native, _] = json.loads(self.kestrel("status", "--json", **variables).stdout)["browsers"]
+            self.assertEqual(
+                [(p["folder"], p["hasExtension"], p["isEnabled"], p["userScripts"]) for p in native["profiles"]],
+                [("Default", True, True, True)])
+            self.assertIn("): ready", self.kestrel("status", **variables).stdout)
 
 
 if __name__ == "__main__":

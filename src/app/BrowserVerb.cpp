@@ -1,0 +1,82 @@
+#include "app/BrowserVerb.h"
+#include "app/BrowserText.h"
+#include "platform/linux/DesktopApplicationLookup.h"
+#include <QCoreApplication>
+#include <QDir>
+#include <QFileInfo>
+#include <QJsonDocument>
+#include <QStandardPaths>
+#include <algorithm>
+#include <unistd.h>
+
+using namespace Qt::StringLiterals;
+
+namespace kestrel {
+
+namespace {
+
+/// Beside this program where it was built, below the same prefix where it is installed.
+QString relayProgram()
+{
+    const QString here = QCoreApplication::applicationDirPath();
+    const QString name = u"/kestrel-browser-relay"_s;
+    for (const QString &folder : { here, here + u"/../libexec/kestrel"_s, here + u"/../lib/kestrel"_s }) {
+        if (QFileInfo(folder + name).isExecutable())
+            return QDir::cleanPath(folder + name);
+    }
+    return here + name;
+}
+
+/// As the relay finds it.
+QString socketFolder()
+{
+    if (const QString own = qEnvironmentVariable("KESTREL_BROWSER_SOCKETS"); !own.isEmpty())
+        return own;
+    QString runtime = qEnvironmentVariable("XDG_RUNTIME_DIR");
+    if (runtime.isEmpty())
+        runtime = u"/run/user/%1"_s.arg(::getuid());
+    return runtime + u"/kestrel/browsers"_s;
+}
+
+} // namespace
+
+BrowserPlaces browserPlaces(const InstancePlace &place)
+{
+    BrowserPlaces places { QDir::homePath(),
+                           QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation),
+                           DesktopApplicationLookup::applicationFolders(),
+                           u":/kestrel/browser-extension"_s,
+                           QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation)
+                               + u"/kestrel/browser-extension"_s,
+                           socketFolder(),
+                           relayProgram() };
+    if (!place.dataFolder.isEmpty()) {
+        places.home = place.dataFolder + u"/home"_s;
+        places.configuration = places.home + u"/.config"_s;
+        places.extension = place.dataFolder + u"/browser-extension"_s;
+    }
+    return places;
+}
+
+VerbResult browserVerb(const CommandLine &line, const InstancePlace &place)
+{
+    const BrowserPlaces places = browserPlaces(place);
+    const BrowserSetup setup(places);
+    if (line.arguments[0] == "status"_L1) {
+        const BrowserReport report = setup.status();
+        const QString text =
+            line.json ? QString::fromUtf8(QJsonDocument(toJson(report)).toJson()) : reportText(report);
+        return { ExitCode::Success, text, {} };
+    }
+    const auto installed = setup.install();
+    if (!installed)
+        return { ExitCode::Failed, {}, installed.error() + u'\n' };
+    const bool isDone =
+        std::ranges::any_of(*installed,
+                            [](const auto &browser) { return browser.packaging == Packaging::Native; })
+        && std::ranges::all_of(*installed, [](const auto &browser) { return browser.error.isEmpty(); });
+    const QString text = installationText(*installed, places.extension);
+    return isDone ? VerbResult { ExitCode::Success, text, {} } : VerbResult { ExitCode::Failed, {}, text };
+}
+
+} // namespace kestrel
