@@ -33,9 +33,9 @@ std::string contentOf(const std::string &path)
 
 std::vector<std::string> commandLine(const std::string &path)
 {
-    // that of a process that is starting another one is empty for a moment
+    // that of a process that is starting others is empty for a moment, for a longer one on a busy machine
     std::string text = contentOf(path);
-    for (int tries = 0; text.empty() && tries < 100; ++tries) {
+    for (int tries = 0; text.empty() && tries < 2000; ++tries) {
         ::usleep(1000);
         text = contentOf(path);
     }
