@@ -1,9 +1,8 @@
 #include "platform/linux/DesktopApplicationLookup.h"
 #include "platform/linux/ChromiumBrowsers.h"
-#include <QFile>
+#include "platform/linux/DesktopEntry.h"
 #include <QFileInfo>
 #include <QStandardPaths>
-#include <QTextStream>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -12,32 +11,11 @@ namespace kestrel {
 
 namespace {
 
-/// The value of a key of the file's main group; empty when it has none.
-QString entry(const QString &path, QLatin1StringView key)
-{
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        return {};
-    QTextStream text(&file);
-    bool isMainGroup = false;
-    for (QString line; text.readLineInto(&line);) {
-        const QString trimmed = line.trimmed();
-        if (trimmed.startsWith(u'[')) {
-            isMainGroup = trimmed == "[Desktop Entry]"_L1;
-            continue;
-        }
-        const qsizetype equals = trimmed.indexOf(u'=');
-        if (isMainGroup && equals > 0 && QStringView(trimmed).first(equals).trimmed() == key)
-            return trimmed.mid(equals + 1).trimmed();
-    }
-    return {};
-}
-
 bool isInstalled(const QString &path)
 {
-    if (entry(path, "Hidden"_L1) == "true"_L1)
+    if (desktopEntryValue(path, "Hidden"_L1) == "true"_L1)
         return false;
-    const QString program = entry(path, "TryExec"_L1);
+    const QString program = desktopEntryValue(path, "TryExec"_L1);
     return program.isEmpty() || !QStandardPaths::findExecutable(program).isEmpty();
 }
 
