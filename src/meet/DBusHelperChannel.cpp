@@ -1,0 +1,198 @@
+#include "meet/DBusHelperChannel.h"
+#include "base/Log.h"
+#include "meet/protocol/HelperNames.h"
+#include <QCoro/QCoroDBusPendingCall>
+#include <QCoro/QCoroSignal>
+#include <QDBusServiceWatcher>
+#include <QDir>
+#include <QFile>
+#include <QPointer>
+#include <QProcess>
+#include <QSaveFile>
+#include <limits>
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+
+namespace kestrel {
+
+namespace {
+
+constexpr auto startPatience = 10s;
+
+QDBusMessage busCall(const QString &method)
+{
+    return QDBusMessage::createMethodCall(u"org.freedesktop.DBus"_s, u"/org/freedesktop/DBus"_s,
+                                          u"org.freedesktop.DBus"_s, method);
+}
+
+/// Bus daemons split Exec like a shell. Some read backslashes as escapes before they do, and some do not, so
+/// that none is used.
+QString quoted(QString word)
+{
+    return u'\'' + word.replace(u'\'', u"'\"'\"'"_s) + u'\'';
+}
+
+/// Whether the call was never delivered, so that it may be made again.
+bool wasNotDelivered(const QString &error)
+{
+    return error == "org.freedesktop.DBus.Error.ServiceUnknown"_L1
+        || error == "org.freedesktop.DBus.Error.NameHasNoOwner"_L1
+        || error.startsWith("org.freedesktop.DBus.Error.Spawn."_L1);
+}
+
+HelperError errorOf(const QDBusMessage &reply)
+{
+    static const QStringList unknown { u"org.freedesktop.DBus.Error.UnknownMethod"_s,
+                                       u"org.freedesktop.DBus.Error.UnknownInterface"_s,
+                                       u"org.freedesktop.DBus.Error.UnknownObject"_s,
+                                       u"org.freedesktop.DBus.Error.InvalidSignature"_s,
+                                       u"org.freedesktop.DBus.Error.InvalidArgs"_s };
+    return { unknown.contains(reply.errorName()) ? HelperError::Kind::NotOurProtocol
+                                                 : HelperError::Kind::Unreachable,
+             reply.errorMessage() };
+}
+
+/// D-Bus has no absent values: none or one.
+std::optional<QString> optional(const QVariant &texts)
+{
+    const QStringList list = texts.toStringList();
+    return list.isEmpty() ? std::nullopt : std::optional(list.first());
+}
+
+std::expected<HelperReply, HelperError> plainReply(const std::expected<QVariantList, HelperError> &answer)
+{
+    if (!answer)
+        return std::unexpected(answer.error());
+    return HelperReply { answer->at(0).toBool(), optional(answer->at(1)) };
+}
+
+} // namespace
+
+DBusHelperChannel::DBusHelperChannel(QDBusConnection bus, QString instance, Program program)
+    : m_bus(std::move(bus))
+    , m_instance(std::move(instance))
+    , m_name(m_instance + helperNameSuffix)
+    , m_program(std::move(program))
+{
+}
+
+DBusHelperChannel::~DBusHelperChannel()
+{
+    if (!m_serviceFile.isEmpty())
+        QFile::remove(m_serviceFile);
+}
+
+HelperChannel::Answer<HelperReply> DBusHelperChannel::openInChromeAppMode(QString chromePath, QString url,
+                                                                          qint32 windowWidth,
+                                                                          qint32 windowHeight)
+{
+    co_return plainReply(
+        co_await call(u"OpenInChromeAppMode"_s, { chromePath, url, windowWidth, windowHeight }, u"bas"_s));
+}
+
+HelperChannel::Answer<HelperReply> DBusHelperChannel::installAppBundle(QString sourcePath,
+                                                                       QString destinationPath)
+{
+    co_return plainReply(co_await call(u"InstallAppBundle"_s, { sourcePath, destinationPath }, u"bas"_s));
+}
+
+HelperChannel::Answer<HelperReply> DBusHelperChannel::closeChromeTab(QString urlSubstring)
+{
+    co_return plainReply(co_await call(u"CloseChromeTab"_s, { urlSubstring }, u"bas"_s));
+}
+
+HelperChannel::Answer<HelperScriptReply>
+DBusHelperChannel::executeJSInChromeTab(QString urlSubstring, QString jsSource, bool activate)
+{
+    const auto answer =
+        co_await call(u"ExecuteJSInChromeTab"_s, { urlSubstring, jsSource, activate }, u"basas"_s);
+    if (!answer)
+        co_return std::unexpected(answer.error());
+    co_return HelperScriptReply { answer->at(0).toBool(), optional(answer->at(1)), optional(answer->at(2)) };
+}
+
+HelperChannel::Answer<QVariantList> DBusHelperChannel::call(QString method, QVariantList arguments,
+                                                            QString signature)
+{
+    if (!m_bus.isConnected())
+        co_return std::unexpected(
+            HelperError { HelperError::Kind::Unreachable, u"There is no session bus"_s });
+    QDBusMessage message = QDBusMessage::createMethodCall(m_name, helperPath, helperInterface, method);
+    message.setArguments(arguments);
+    const QPointer self(this);
+    // no bound: whoever calls may have one, and should the helper end, the bus answers at once
+    QDBusMessage reply = co_await m_bus.asyncCall(message, std::numeric_limits<int>::max());
+    if (self && wasNotDelivered(reply.errorName())) {
+        co_await provide();
+        if (self)
+            reply = co_await m_bus.asyncCall(message, std::numeric_limits<int>::max());
+    }
+    if (reply.type() != QDBusMessage::ReplyMessage)
+        co_return std::unexpected(errorOf(reply));
+    if (reply.signature() != signature) {
+        co_return std::unexpected(
+            HelperError { HelperError::Kind::NotOurProtocol,
+                          u"%1 was answered with \"%2\""_s.arg(method, reply.signature()) });
+    }
+    co_return reply.arguments();
+}
+
+QCoro::Task<bool> DBusHelperChannel::isActivatable()
+{
+    const QString name = m_name;
+    const QDBusMessage reply = co_await m_bus.asyncCall(busCall(u"ListActivatableNames"_s));
+    co_return reply.arguments().value(0).toStringList().contains(name);
+}
+
+QCoro::Task<void> DBusHelperChannel::provide()
+{
+    const QPointer self(this);
+    if (!m_serviceFile.isEmpty() || !co_await isActivatable()) {
+        if (!self)
+            co_return;
+        writeServiceFile();
+        co_await m_bus.asyncCall(busCall(u"ReloadConfig"_s));
+        if (!self || co_await isActivatable() || !self)
+            co_return;
+        co_await startHelper();
+    }
+}
+
+void DBusHelperChannel::writeServiceFile()
+{
+    // the place where buses look for the services of one session (dbus-daemon(1),
+    // standard_session_servicedirs)
+    const QString runtime = qEnvironmentVariable("XDG_RUNTIME_DIR");
+    QStringList words { quoted(m_program.path), u"--instance"_s, quoted(m_instance) };
+    for (const QString &argument : m_program.arguments)
+        words.append(quoted(argument));
+    const QString exec = words.join(u' ').replace(u'\\', u"\\\\"_s);
+    if (runtime.isEmpty() || exec.contains(u'\n'))
+        return;
+    const QString folder = runtime + u"/dbus-1/services"_s;
+    const QString path = folder + u'/' + m_name + u".service"_s;
+    QSaveFile file(path);
+    if (!QDir().mkpath(folder) || !file.open(QIODevice::WriteOnly)) {
+        qCWarning(lcApp).noquote() << "the browser helper cannot be made known to the bus:" << path;
+        return;
+    }
+    file.write(u"[D-BUS Service]\nName=%1\nExec=%2\n"_s.arg(m_name, exec).toUtf8());
+    if (file.commit())
+        m_serviceFile = path;
+}
+
+QCoro::Task<void> DBusHelperChannel::startHelper()
+{
+    QDBusServiceWatcher watcher(m_name, m_bus, QDBusServiceWatcher::WatchForRegistration);
+    QProcess program;
+    program.setProgram(m_program.path);
+    program.setArguments(QStringList { u"--instance"_s, m_instance } + m_program.arguments);
+    if (!program.startDetached()) {
+        qCWarning(lcApp).noquote() << "the browser helper cannot be started:" << m_program.path;
+        co_return;
+    }
+    co_await qCoro(&watcher, &QDBusServiceWatcher::serviceRegistered, startPatience);
+}
+
+} // namespace kestrel
