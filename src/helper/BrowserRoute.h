@@ -34,6 +34,9 @@ public:
 
     [[nodiscard]] const RelayGreeting &greeting() const { return *m_connection.greeting(); }
 
+    /// False once the browser has gone, also before this has.
+    [[nodiscard]] bool isOpen() const { return m_connection.isOpen(); }
+
     /// The first tab of the profile that shows an https page of the Meet host and whose address contains
     /// `marker`.
     [[nodiscard]] virtual QCoro::Task<FoundTab> find(QString marker) = 0;

@@ -33,7 +33,7 @@ struct Copy
     std::chrono::milliseconds patience;
     QElapsedTimer elapsed;
 
-    [[nodiscard]] bool isLate() const { return elapsed.hasExpired(patience.count()); }
+    [[nodiscard]] bool isLate() const { return elapsed.elapsed() >= patience.count(); }
 };
 
 Outcome tooLate()

@@ -50,9 +50,11 @@ QCoro::Task<std::expected<std::optional<MeetTabs::Found>, QString>> MeetTabs::fi
         const auto answer = co_await within(patience, search.answer);
         if (answer && *answer && **answer && search.route)
             co_return Found { search.route, ***answer };
+        if (!search.route || !search.route->isOpen())
+            continue; // a browser that has gone has no tab
         if (answer && !*answer && !fault)
             fault = answer->error();
-        if (answer || !search.route)
+        if (answer)
             continue;
         fault = u"The browser does not answer"_s;
         search.route->isSilent = true;

@@ -42,6 +42,8 @@ public:
     /// Empty until then.
     [[nodiscard]] const std::optional<RelayGreeting> &greeting() const { return m_greeting; }
 
+    [[nodiscard]] bool isOpen() const { return m_descriptor >= 0; }
+
     /// Gives the message an "id" and sends it. Answers to forgotten questions are no answers: after a minute
     /// a question is forgotten.
     [[nodiscard]] Awaited<Answer> ask(QJsonObject message);

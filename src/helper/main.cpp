@@ -4,6 +4,7 @@
 #include <QCommandLineParser>
 #include <QCoreApplication>
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
 #include <QStandardPaths>
 #include <csignal>
@@ -74,6 +75,8 @@ int main(int argc, char **argv)
     QCoreApplication::setApplicationVersion(QStringLiteral(KESTREL_VERSION));
     HelperOptions options = readOptions(application);
     installLog();
+    // a relay that we start is to listen where we look
+    qputenv("KESTREL_BROWSER_SOCKETS", QFile::encodeName(options.socketFolder));
 
     const QDBusConnection bus = QDBusConnection::sessionBus();
     if (!bus.isConnected()) {

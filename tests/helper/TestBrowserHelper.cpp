@@ -1,15 +1,7 @@
-#include "base/Started.h"
+#include "helper/HelperSession.h"
 #include "helper/PlayedRelay.h"
-#include "helper/PrivateBus.h"
-#include "meet/DBusHelperChannel.h"
-#include "meet/protocol/HelperNames.h"
-#include "meet/protocol/MeetTabMarker.h"
 #include "meet/protocol/StateScript.h"
-#include <QDBusConnectionInterface>
-#include <QDBusReply>
-#include <QDir>
 #include <QFile>
-#include <QTemporaryDir>
 #include <QTest>
 #include <csignal>
 
@@ -18,51 +10,8 @@ using namespace kestrel;
 
 namespace {
 
-const auto instance = u"app.kestrel.Played"_s;
-const QString helperName = instance + helperNameSuffix;
 const QString poll = stateScript.toString();
 const auto click = u"click()"_s;
-
-/// A bus, the Kestrel that owns its name there, and folders for one test.
-struct Session
-{
-    explicit Session(const QString &configuration = {}, const QStringList &options = {})
-        : setUp((QDir(folder.path()).mkdir(u"run"_s),
-                 qputenv("XDG_RUNTIME_DIR", (folder.path() + u"/run"_s).toUtf8())))
-        , bus(configuration)
-        , kestrel(bus.connection())
-        , channel(kestrel, instance,
-                  { QStringLiteral(BROWSER_HELPER),
-                    QStringList { u"--sockets"_s, sockets(), u"--preferences"_s,
-                                  folder.filePath(u"it's $1.ini"_s) }
-                        + options })
-    {
-        QDir().mkpath(sockets());
-        QFile::setPermissions(sockets(), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
-        kestrel.registerService(instance);
-    }
-
-    [[nodiscard]] QString sockets() const { return folder.filePath(u"s"_s); }
-    [[nodiscard]] uint helperPid() { return kestrel.interface()->servicePid(helperName).value(); }
-    [[nodiscard]] bool isHelperThere() { return kestrel.interface()->isServiceRegistered(helperName); }
-
-    [[nodiscard]] auto run(const QString &source, bool activate = false)
-    {
-        return started(channel.executeJSInChromeTab(meetTabMarker, source, activate));
-    }
-
-    QTemporaryDir folder;
-    bool setUp;
-    PrivateBus bus;
-    QDBusConnection kestrel;
-    DBusHelperChannel channel;
-};
-
-template<typename T>
-bool hasCome(const std::shared_ptr<std::optional<T>> &place)
-{
-    return QTest::qWaitFor([&] { return place->has_value(); }, 30000);
-}
 
 QJsonObject tab(int number)
 {
@@ -85,14 +34,6 @@ std::optional<QJsonObject> noTab(const QJsonObject & /*request*/)
 std::optional<QJsonObject> silence(const QJsonObject & /*request*/)
 {
     return {};
-}
-
-QString describe(const std::expected<HelperScriptReply, HelperError> &reply)
-{
-    if (!reply)
-        return u"unreachable"_s;
-    return u"%1 %2 %3"_s.arg(reply->ok ? u"ok"_s : u"-"_s, reply->result.value_or(u"-"_s),
-                             reply->error.value_or(u"-"_s));
 }
 
 } // namespace

@@ -1,0 +1,179 @@
+#include "helper/HelperSession.h"
+#include "helper/PlayedRelay.h"
+#include <QTest>
+#include <csignal>
+
+using namespace Qt::StringLiterals;
+using namespace kestrel;
+
+namespace {
+
+const auto address = u"https://meet.google.com/abc-defg-hij?authuser=ann%40example.com&x=$(y)"_s;
+
+/// A program that writes down its process, its session and its arguments, one a line, and ends with
+/// `exitCode`; without one it stays.
+QString playBrowser(Session &session, const QString &exitCode)
+{
+    const QString program = session.folder.filePath(u"a browser"_s);
+    session.write(
+        program,
+        u"#!/bin/sh\n{ echo $$; cut -d' ' -f6 /proc/$$/stat; printf '%s\\n' \"$@\"; } > '%1.new'\n"
+        "mv '%1.new' '%1'\n%2\n"_s.arg(session.folder.filePath(u"started"_s),
+                                       exitCode.isEmpty() ? u"exec sleep 60"_s : u"exit "_s + exitCode));
+    QFile::setPermissions(program, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    return program;
+}
+
+QStringList written(const Session &session)
+{
+    QFile file(session.folder.filePath(u"started"_s));
+    file.open(QIODevice::ReadOnly);
+    return QString::fromUtf8(file.readAll()).split(u'\n', Qt::SkipEmptyParts);
+}
+
+} // namespace
+
+/// Windows by played browsers; TestOwnProfile has a real one.
+class TestAppModeWindows final : public QObject
+{
+    Q_OBJECT
+private Q_SLOTS:
+    void refuses_data()
+    {
+        QTest::addColumn<QString>("desktopFile");
+        QTest::addColumn<QString>("url");
+        QTest::addColumn<int>("width");
+        QTest::addColumn<QString>("error");
+        const auto onlyHttps = u"Only https addresses are opened"_s;
+        QTest::newRow("http") << QString() << u"http://meet.google.com/x"_s << 800 << onlyHttps;
+        QTest::newRow("an option") << QString() << u"--gpu-launcher=x"_s << 800 << onlyHttps;
+        QTest::newRow("no address") << QString() << u"https://"_s << 800 << onlyHttps;
+        QTest::newRow("no width") << QString() << address << 0 << u"A window cannot be 0 by 360 large"_s;
+        QTest::newRow("too wide") << QString() << address << 16385
+                                  << u"A window cannot be 16385 by 360 large"_s;
+        QTest::newRow("another program")
+            << u"/usr/share/applications/xterm.desktop"_s << address << 800
+            << u"Not an installed browser that Kestrel knows: /usr/share/applications/xterm.desktop"_s;
+        QTest::newRow("another place")
+            << u"/tmp/chromium.desktop"_s << address << 800
+            << u"Not an installed browser that Kestrel knows: /tmp/chromium.desktop"_s;
+    }
+    void refuses()
+    {
+        QFETCH(QString, desktopFile);
+        QFETCH(QString, url);
+        QFETCH(int, width);
+        Session session;
+        session.installBrowser(u"\"%1\" %U"_s.arg(playBrowser(session, u"0"_s)));
+
+        const auto reply = started(session.channel.openInChromeAppMode(
+            desktopFile.isEmpty() ? session.desktopFile() : desktopFile, url, width, 360));
+        QVERIFY(hasCome(reply));
+        QTEST(describe(**reply), "error");
+        QVERIFY(written(session).isEmpty());
+    }
+
+    void startsTheBrowserApartFromItself()
+    {
+        Session session;
+        session.installBrowser(
+            u"env A=b \"%1\" \"--name=100%% \\\\$x\" --icon %i %U @@u @@"_s.arg(playBrowser(session, {})));
+
+        const auto reply =
+            started(session.channel.openInChromeAppMode(session.desktopFile(), address, 1000, 360));
+        QVERIFY(hasCome(reply));
+        QCOMPARE(describe(**reply), u"ok"_s);
+        const QStringList lines = written(session);
+        QCOMPARE(lines.mid(2),
+                 (QStringList { u"--name=100% $x"_s, u"--icon"_s, u"--app="_s + address,
+                                u"--window-size=1000,360"_s }));
+        QCOMPARE(lines[0], lines[1]); // it leads a session
+        ::kill(static_cast<pid_t>(session.helperPid()), SIGKILL);
+        QTRY_VERIFY_WITH_TIMEOUT(!session.isHelperThere(), 30000);
+        QCOMPARE(::kill(lines[0].toInt(), SIGKILL), 0); // and was there still
+    }
+
+    void tellsThatTheBrowserDidNotRun_data()
+    {
+        QTest::addColumn<QString>("exec");
+        QTest::addColumn<QString>("error");
+        QTest::newRow("fails") << u"\"%1\""_s << u"%1 ended at once with exit code 3"_s;
+        QTest::newRow("is missing") << u"/nowhere/browser"_s << u"There is no program /nowhere/browser"_s;
+        QTest::newRow("open quote") << u"\"%1"_s << u"%2: A quote in Exec is not closed: \"%1"_s;
+        QTest::newRow("unknown code")
+            << u"\"%1\" %y"_s << u"%2: Exec holds an unknown field code: \"%1\" %y"_s;
+    }
+    void tellsThatTheBrowserDidNotRun()
+    {
+        QFETCH(QString, exec);
+        QFETCH(QString, error);
+        Session session;
+        const QString program = playBrowser(session, u"3"_s);
+        session.installBrowser(exec.replace(u"%1"_s, program));
+
+        const auto reply =
+            started(session.channel.openInChromeAppMode(session.desktopFile(), address, 800, 360));
+        QVERIFY(hasCome(reply));
+        QCOMPARE(describe(**reply), error.replace(u"%1"_s, program).replace(u"%2"_s, session.desktopFile()));
+    }
+
+    void asksTheBrowsersOwnExtensionFirst_data()
+    {
+        QTest::addColumn<QString>("dataFolder"); // below the session's
+        QTest::addColumn<QJsonObject>("answer");
+        QTest::addColumn<bool>("isStarted");
+        const QJsonObject opened { { u"opened"_s, true } };
+        QTest::newRow("it opens") << u"config/chromium"_s << opened << false;
+        QTest::newRow("it cannot") << u"config/chromium"_s << QJsonObject { { u"error"_s, u"no"_s } } << true;
+        QTest::newRow("another browser's") << u"config/google-chrome"_s << opened << true;
+    }
+    void asksTheBrowsersOwnExtensionFirst()
+    {
+        QFETCH(QString, dataFolder);
+        QFETCH(QJsonObject, answer);
+        QFETCH(bool, isStarted);
+        Session session;
+        session.installBrowser(u"\"%1\" %U"_s.arg(playBrowser(session, u"0"_s)));
+        PlayedRelay relay(session.sockets(), 1, [&](const QJsonObject &) { return answer; });
+        relay.greeting = PlayedRelay::frame({ { u"relay"_s, 1 },
+                                              { u"route"_s, u"extension"_s },
+                                              { u"userDataDir"_s, session.folder.filePath(dataFolder) } });
+
+        const auto reply =
+            started(session.channel.openInChromeAppMode(session.desktopFile(), address, 1000, 360));
+        QVERIFY(hasCome(reply));
+        QCOMPARE(describe(**reply), u"ok"_s);
+        QCOMPARE(!written(session).isEmpty(), isStarted);
+        if (qstrcmp(QTest::currentDataTag(), "another browser's") == 0) {
+            QVERIFY(relay.requests.isEmpty());
+            return;
+        }
+        QCOMPARE(relay.requests.first()["url"_L1].toString(), address);
+        QCOMPARE(relay.requests.first()["width"_L1].toInt(), 1000);
+        QCOMPARE(relay.requests.first()["height"_L1].toInt(), 360);
+    }
+
+    void installsTheOneFolderAndStartsItWhenWeLeft()
+    {
+        Session session;
+        const QString source = session.folder.filePath(u"stick"_s);
+        QDir().mkpath(source + u"/bin"_s);
+        QVERIFY(QFile::rename(playBrowser(session, u"0"_s), source + u"/bin/kestrel"_s));
+
+        const auto elsewhere =
+            started(session.channel.installAppBundle(source, session.folder.filePath(u"x"_s)));
+        QVERIFY(hasCome(elsewhere));
+        QCOMPARE(describe(**elsewhere), u"Kestrel is installed to %1 only"_s.arg(session.destination()));
+        const auto reply = started(session.channel.installAppBundle(source, session.destination()));
+        QVERIFY(hasCome(reply));
+        QCOMPARE(describe(**reply), u"ok"_s);
+        QVERIFY(QFileInfo(session.destination() + u"/bin/kestrel"_s).isExecutable());
+        QVERIFY(written(session).isEmpty());
+        session.kestrel.unregisterService(instance);
+        QTRY_COMPARE_WITH_TIMEOUT(written(session).mid(2), QStringList { u"--kestrel-just-installed"_s },
+                                  30000);
+    }
+};
+
+QTEST_GUILESS_MAIN(TestAppModeWindows)
+#include "TestAppModeWindows.moc"
