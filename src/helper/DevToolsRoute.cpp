@@ -14,8 +14,9 @@ namespace {
 
 constexpr auto meetOrigin = "https://meet.google.com/"_L1;
 constexpr int noSuchSession = -32001;
-/// A script that does not let go of its page is stopped after this, in milliseconds.
-constexpr int evaluationBound = 3000;
+/// A script that does not let go of its page is stopped after this, in milliseconds; nobody waits for it then.
+constexpr int evaluationBound = 3500;
+constexpr int internalError = -32603; ///< what came of it
 
 bool isMeetPage(const QString &address, const QString &marker)
 {
@@ -88,6 +89,8 @@ QCoro::Task<DevToolsRoute::Result<QJsonObject>> DevToolsRoute::command(QString m
         co_return answer->value("result"_L1).toObject();
     // Chromium numbers most of its errors alike and tells them apart by these texts
     Failure failure { error["message"_L1].toString(u"The browser reported an error"_s) };
+    if (error["code"_L1].toInt() == internalError)
+        failure.text = u"script timed out"_s;
     failure.isSessionGone = error["code"_L1].toInt() == noSuchSession;
     failure.isWorldGone = failure.text.contains("Cannot find context"_L1);
     failure.isTabGone = failure.text.contains("No target with given id"_L1)
