@@ -8,6 +8,7 @@
 #include <QFileInfo>
 #include <QStandardPaths>
 #include <csignal>
+#include <malloc.h>
 #include <unistd.h>
 
 using namespace Qt::StringLiterals;
@@ -70,6 +71,8 @@ int main(int argc, char **argv)
     ::unsetenv("DBUS_STARTER_ADDRESS");
     ::unsetenv("DBUS_STARTER_BUS_TYPE");
     ::signal(SIGPIPE, SIG_IGN);
+    // what a long script took goes back to the system at once
+    ::mallopt(M_MMAP_THRESHOLD, 64 * 1024);
     const QCoreApplication application(argc, argv);
     QCoreApplication::setApplicationName(u"kestrel-browser-helper"_s);
     QCoreApplication::setApplicationVersion(QStringLiteral(KESTREL_VERSION));
