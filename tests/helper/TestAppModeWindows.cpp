@@ -1,5 +1,7 @@
 #include "helper/HelperSession.h"
 #include "helper/PlayedRelay.h"
+#include <QDBusObjectPath>
+#include <QDBusVirtualObject>
 #include <QTest>
 #include <csignal>
 
@@ -30,6 +32,36 @@ QStringList written(const Session &session)
     file.open(QIODevice::ReadOnly);
     return QString::fromUtf8(file.readAll()).split(u'\n', Qt::SkipEmptyParts);
 }
+
+/// The session's systemd, which moves a process into a scope when it is asked to.
+class PlayedSystemd final : public QDBusVirtualObject
+{
+public:
+    explicit PlayedSystemd(Session &session)
+        : m_session(session)
+        , m_bus(session.bus.connection())
+    {
+        m_bus.registerVirtualObject(u"/org/freedesktop/systemd1"_s, this);
+        m_bus.registerService(u"org.freedesktop.systemd1"_s);
+    }
+
+    [[nodiscard]] QString introspect(const QString & /*path*/) const override { return {}; }
+    bool handleMessage(const QDBusMessage &message, const QDBusConnection &connection) override
+    {
+        isInTime = written(m_session).isEmpty();
+        signature = message.signature();
+        unit = message.arguments().value(0).toString();
+        return connection.send(message.createReply(QVariant::fromValue(QDBusObjectPath(u"/job"_s))));
+    }
+
+    bool isInTime = false; ///< before the program was run
+    QString signature;
+    QString unit;
+
+private:
+    Session &m_session;
+    QDBusConnection m_bus;
+};
 
 } // namespace
 
@@ -76,6 +108,7 @@ private Q_SLOTS:
     void startsTheBrowserApartFromItself()
     {
         Session session;
+        PlayedSystemd systemd(session);
         session.installBrowser(
             u"env A=b \"%1\" \"--name=100%% \\\\$x\" --icon %i %U @@u @@"_s.arg(playBrowser(session, {})));
 
@@ -88,6 +121,9 @@ private Q_SLOTS:
                  (QStringList { u"--name=100% $x"_s, u"--icon"_s, u"--app="_s + address,
                                 u"--window-size=1000,360"_s }));
         QCOMPARE(lines[0], lines[1]); // it leads a session
+        QCOMPARE(systemd.signature, u"ssa(sv)a(sa(sv))"_s);
+        QCOMPARE(systemd.unit, u"app-kestrel-browser-%1.scope"_s.arg(lines[0]));
+        QVERIFY(systemd.isInTime);
         ::kill(static_cast<pid_t>(session.helperPid()), SIGKILL);
         QTRY_VERIFY_WITH_TIMEOUT(!session.isHelperThere(), 30000);
         QCOMPARE(::kill(lines[0].toInt(), SIGKILL), 0); // and was there still
