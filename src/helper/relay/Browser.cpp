@@ -33,11 +33,16 @@ std::string contentOf(const std::string &path)
 
 std::vector<std::string> commandLine(const std::string &path)
 {
-    // that of a process that is starting others is empty for a moment, for a longer one on a busy machine
+    // that of a process that is starting others may be empty for a moment
     std::string text = contentOf(path);
     for (int tries = 0; text.empty() && tries < 2000; ++tries) {
         ::usleep(1000);
         text = contentOf(path);
+    }
+    // some browsers write their own title there, as one text with spaces
+    if (text.find('\0') >= text.size() - 1) {
+        for (auto gap = text.find(" --"); gap != std::string::npos; gap = text.find(" --", gap + 1))
+            text[gap] = '\0';
     }
     std::vector<std::string> words;
     for (std::size_t start = 0; start < text.size();) {
@@ -81,9 +86,13 @@ std::string userDataDir(const std::string &program, const std::vector<std::strin
         if (!word->starts_with(option))
             continue;
         std::string folder = word->substr(option.size());
-        if (folder.starts_with('/') || workingFolder.empty())
-            return folder;
-        return std::string(workingFolder).append(1, '/').append(folder);
+        if (!folder.starts_with('/') && !workingFolder.empty())
+            folder = std::string(workingFolder).append(1, '/').append(folder);
+        // in such a title an address may follow
+        std::string shorter = folder;
+        while (::access(shorter.c_str(), F_OK) != 0 && shorter.find(' ') != std::string::npos)
+            shorter.erase(shorter.rfind(' '));
+        return ::access(shorter.c_str(), F_OK) == 0 ? shorter : folder;
     }
     if (auto folder = environment("CHROME_USER_DATA_DIR"); !folder.empty())
         return folder;
