@@ -62,6 +62,15 @@ Outcome copyContent(const Copy &copy, int from, int to, const QString &source, c
     return ::fsync(to) == 0 ? Outcome() : failure(target, errno);
 }
 
+Outcome syncFolder(const QString &path)
+{
+    const int folder = ::open(QFile::encodeName(path).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (folder < 0)
+        return failure(path, errno);
+    const auto close = qScopeGuard([folder] { ::close(folder); });
+    return ::fsync(folder) == 0 ? Outcome() : failure(path, errno);
+}
+
 Outcome copyFile(const Copy &copy, const QString &source, const QString &target)
 {
     const int from = ::open(QFile::encodeName(source).constData(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC);
@@ -119,9 +128,7 @@ Outcome copyFolder(const Copy &copy, const QString &source, const QString &targe
         if (!copied)
             return copied;
     }
-    const int folder = ::open(path.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    const auto close = qScopeGuard([folder] { ::close(folder); });
-    return ::fsync(folder) == 0 ? Outcome() : failure(target, errno);
+    return syncFolder(target);
 }
 
 Outcome checkSource(const QString &source, const QString &destination)
@@ -214,11 +221,7 @@ Outcome installBundle(const QString &source, const QString &destination, std::ch
         done = swap(fresh, to);
     if (!done)
         return std::unexpected(u"Kestrel could not be copied. %1"_s.arg(done.error()));
-    const int folder =
-        ::open(QFile::encodeName(parent.path()).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    ::fsync(folder);
-    ::close(folder);
-    return {};
+    return syncFolder(parent.path());
 }
 
 } // namespace kestrel
