@@ -102,7 +102,7 @@ int Application::run()
         return printResult(failure(ExitCode::Failed, noBusMessage));
 
     const TerminationSignals signals;
-    m_desktop = Desktop::make(m_hasDisplay, m_place.soundCache);
+    m_desktop = Desktop::make(m_hasDisplay, m_place);
     m_delegate = std::make_unique<AppDelegate>(
         *m_preferenceStore, services(), m_desktop->services(),
         AppDelegate::Start { m_line.justInstalled, missingClientMessage(m_place.clientFile, m_client),

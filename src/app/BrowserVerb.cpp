@@ -1,44 +1,14 @@
 #include "app/BrowserVerb.h"
 #include "app/BrowserText.h"
 #include "platform/linux/DesktopApplicationLookup.h"
-#include <QCoreApplication>
 #include <QDir>
-#include <QFileInfo>
 #include <QJsonDocument>
 #include <QStandardPaths>
 #include <algorithm>
-#include <unistd.h>
 
 using namespace Qt::StringLiterals;
 
 namespace kestrel {
-
-namespace {
-
-/// Beside this program where it was built, below the same prefix where it is installed.
-QString relayProgram()
-{
-    const QString here = QCoreApplication::applicationDirPath();
-    const QString name = u"/kestrel-browser-relay"_s;
-    for (const QString &folder : { here, here + u"/../libexec/kestrel"_s, here + u"/../lib/kestrel"_s }) {
-        if (QFileInfo(folder + name).isExecutable())
-            return QDir::cleanPath(folder + name);
-    }
-    return here + name;
-}
-
-/// As the relay finds it.
-QString socketFolder()
-{
-    if (const QString own = qEnvironmentVariable("KESTREL_BROWSER_SOCKETS"); !own.isEmpty())
-        return own;
-    QString runtime = qEnvironmentVariable("XDG_RUNTIME_DIR");
-    if (runtime.isEmpty())
-        runtime = u"/run/user/%1"_s.arg(::getuid());
-    return runtime + u"/kestrel/browsers"_s;
-}
-
-} // namespace
 
 BrowserPlaces browserPlaces(const InstancePlace &place)
 {
@@ -48,8 +18,8 @@ BrowserPlaces browserPlaces(const InstancePlace &place)
                            u":/kestrel/browser-extension"_s,
                            QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation)
                                + u"/kestrel/browser-extension"_s,
-                           socketFolder(),
-                           relayProgram() };
+                           place.browserSockets,
+                           companionProgram("kestrel-browser-relay"_L1) };
     if (!place.dataFolder.isEmpty()) {
         places.home = place.dataFolder + u"/home"_s;
         places.configuration = places.home + u"/.config"_s;

@@ -1,4 +1,6 @@
 #include "app/Desktop.h"
+#include "app/InstancePlace.h"
+#include "meet/DBusHelperChannel.h"
 #include "platform/linux/AbsoluteWakeTimer.h"
 #include "platform/linux/CanberraSoundPlayer.h"
 #include "platform/linux/DBusNotifications.h"
@@ -6,6 +8,7 @@
 #include "platform/linux/DesktopScreens.h"
 #include "platform/linux/DesktopStatusItemHost.h"
 #include "platform/linux/MakeFloatingWindows.h"
+#include "platform/linux/MakeShortcutBackend.h"
 #include "platform/linux/PortalAppearance.h"
 #include "platform/null/NullAppearance.h"
 #include "platform/null/NullFloatingWindows.h"
@@ -20,32 +23,42 @@
 #include "ui/QuickScene.h"
 #include "ui/Theme.h"
 
+using namespace Qt::StringLiterals;
+
 namespace kestrel {
 
 namespace {
 
+DBusHelperChannel::Program helperProgram(const InstancePlace &place)
+{
+    return { companionProgram("kestrel-browser-helper"_L1),
+             { u"--preferences"_s, place.preferencesFile, u"--sockets"_s, place.browserSockets,
+               u"--profile"_s, place.browserProfile } };
+}
+
 class DisplayDesktop final : public Desktop
 {
 public:
-    explicit DisplayDesktop(const QString &soundCache)
-        : m_sounds(soundCache)
+    explicit DisplayDesktop(const InstancePlace &place)
+        : m_helper(QDBusConnection::sessionBus(), place.busName, helperProgram(place))
+        , m_sounds(place.soundCache)
     {
     }
 
     [[nodiscard]] DesktopServices services() override
     {
         return { m_applications, *m_windows, m_helper,      m_notice,     m_notifications, m_screens,
-                 m_shortcuts,    m_sounds,   *m_statusItem, m_alertTimer, m_theme,         m_scene };
+                 *m_shortcuts,   m_sounds,   *m_statusItem, m_alertTimer, m_theme,         m_scene };
     }
 
 private:
     PortalAppearance m_appearance;
     DesktopApplicationLookup m_applications;
     std::unique_ptr<FloatingWindows> m_windows = makeFloatingWindows();
-    NullHelperChannel m_helper;
+    DBusHelperChannel m_helper;
     DBusNotifications m_notifications { QDBusConnection::sessionBus() };
     DesktopScreens m_screens;
-    NullShortcuts m_shortcuts;
+    std::unique_ptr<ShortcutBackend> m_shortcuts = makeShortcutBackend(QDBusConnection::sessionBus());
     CanberraSoundPlayer m_sounds;
     std::unique_ptr<StatusItemHost> m_statusItem = makeStatusItemHost(m_appearance);
     AbsoluteWakeTimer m_alertTimer;
@@ -81,10 +94,10 @@ private:
 
 } // namespace
 
-std::unique_ptr<Desktop> Desktop::make(bool hasDisplay, const QString &soundCache)
+std::unique_ptr<Desktop> Desktop::make(bool hasDisplay, const InstancePlace &place)
 {
     if (hasDisplay)
-        return std::make_unique<DisplayDesktop>(soundCache);
+        return std::make_unique<DisplayDesktop>(place);
     return std::make_unique<HeadlessDesktop>();
 }
 

@@ -1,9 +1,10 @@
 #pragma once
 #include "app/DesktopServices.h"
-#include <QString>
 #include <memory>
 
 namespace kestrel {
+
+struct InstancePlace;
 
 /// The concrete services of everything on screen; without a display those that answer "not available". Lives
 /// as long as the application.
@@ -15,9 +16,9 @@ public:
     Desktop &operator=(const Desktop &) = delete;
     virtual ~Desktop() = default;
 
-    /// Needs a QGuiApplication for a display. Sounds that are not installed are written to the folder
-    /// `soundCache`.
-    [[nodiscard]] static std::unique_ptr<Desktop> make(bool hasDisplay, const QString &soundCache);
+    /// Needs a QGuiApplication for a display, and outlives neither that nor the ownership of the instance's
+    /// name.
+    [[nodiscard]] static std::unique_ptr<Desktop> make(bool hasDisplay, const InstancePlace &place);
 
     [[nodiscard]] virtual DesktopServices services() = 0;
 };

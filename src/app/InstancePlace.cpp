@@ -1,5 +1,6 @@
 #include "app/InstancePlace.h"
 #include "base/AppIdentifier.h"
+#include <QCoreApplication>
 #include <QCryptographicHash>
 #include <QDir>
 #include <QFile>
@@ -115,6 +116,16 @@ std::expected<InstancePlace, QString> InstancePlace::resolve(const QString &data
     place.secretsFile = folder + u"/secrets.json"_s;
     place.soundCache = folder + u"/sounds"_s;
     return place;
+}
+
+QString companionProgram(QLatin1StringView name)
+{
+    const QString here = QCoreApplication::applicationDirPath() + u'/';
+    for (const QString &folder : { here, here + u"../libexec/kestrel/"_s, here + u"../lib/kestrel/"_s }) {
+        if (QFileInfo(folder + name).isExecutable())
+            return QDir::cleanPath(folder + name);
+    }
+    return here + name;
 }
 
 } // namespace kestrel

@@ -30,4 +30,8 @@ struct InstancePlace
                                                                        const QString &googleBase);
 };
 
+/// One of Kestrel's other programs: beside this one where it was built, below the same prefix where it is
+/// installed.
+[[nodiscard]] QString companionProgram(QLatin1StringView name);
+
 } // namespace kestrel
