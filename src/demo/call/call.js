@@ -69,8 +69,7 @@ const controls = {
     },
     react: {
         label: () => say("Send a reaction", "Enviar una reacción"),
-        // a tray takes a moment to open
-        look: () => state.tray ? "on" : "", press: () => setTimeout(() => { state.tray = !state.tray; show(); }, 60),
+        look: () => state.tray ? "on" : "", press: toggleTray,
     },
     leave: { label: () => say("Leave call", "Salir de la llamada"), look: () => "leave", press: leave },
 };
@@ -82,11 +81,11 @@ for (const [name, control] of Object.entries(controls)) {
     control.button.addEventListener("click", () => {
         tell(control.button.getAttribute("aria-label"));
         control.press();
-        show();
+        show(false);
     });
     find(".controls").append(control.button);
 }
-for (const [emoji, english, inSpanish] of reactions) {
+const trayButtons = reactions.map(([emoji, english, inSpanish]) => {
     const button = make("button", { textContent: emoji });
     button.setAttribute("aria-label", say(english, inSpanish));
     button.addEventListener("click", () => {
@@ -94,15 +93,15 @@ for (const [emoji, english, inSpanish] of reactions) {
         find(".tile .burst")?.remove();
         find(".tile").append(make("span", { className: "burst", textContent: emoji }));
     });
-    find(".tray").append(button);
-}
+    return button;
+});
 for (const name of names) {
     const initials = name.split(" ").map(word => word[0]).join("");
     find(".tiles").append(make("div", { className: "tile" }, make("div", { className: "initials", textContent: initials }),
         make("span", { className: "name", textContent: name }), make("span", { className: "marks" })));
 }
 
-function show() {
+function show(isSettled = true) {
     for (const [name, control] of Object.entries(controls)) {
         if (!control.button)
             continue;
@@ -112,9 +111,18 @@ function show() {
         control.button.replaceChildren(drawn(name, isOff));
     }
     controls.react.button?.setAttribute("aria-expanded", String(state.tray));
-    find(".tray").hidden = !state.tray;
+    if (isSettled || !state.tray) {
+        find(".tray").replaceChildren(...state.tray ? trayButtons : []);
+        find(".tray").hidden = !state.tray;
+    }
     find(".tile").classList.toggle("camera", state.camera);
     find(".tile .marks").textContent = (state.hand ? "✋" : "") + (state.share ? "🖥" : "") + (state.mic ? "" : "🔇");
+}
+
+/// What is in the tray comes a moment after it was asked to open.
+function toggleTray() {
+    state.tray = !state.tray;
+    setTimeout(show, 60);
 }
 
 function leave() {
