@@ -18,6 +18,7 @@ from gi.repository import GLib
 
 sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent.parent / "tests/e2e"))
 from kestrel_session import BIN, Kestrel, SampleGoogle, wait_until  # noqa: E402
+from process_figures import line, memory  # noqa: E402
 
 WATCHER = "org.kde.StatusNotifierWatcher"
 
@@ -61,11 +62,6 @@ class Watcher(dbus.service.Object):
             <property name="IsStatusNotifierHostRegistered" type="b" access="read"/>''')
 
 
-def line(name, value, unit, budget):
-    verdict = "within" if value <= budget else "OVER"
-    print(f"{name:<58}{value:>10.2f} {unit:<4}{budget:>10.2f} {value / budget:>6.2f}  {verdict}", flush=True)
-
-
 def milliseconds_to_item(watcher, command, environment=None):
     watcher.registered.clear()
     before = time.monotonic()
@@ -77,14 +73,6 @@ def milliseconds_to_item(watcher, command, environment=None):
     if not seen:
         raise SystemExit(f"{command[0]} never registered a status item")
     return 1000 * (watcher.at - before)
-
-
-def memory(pid):
-    """Proportional set size in MB: what the process has for itself, and its share of what it shares."""
-    for entry in pathlib.Path(f"/proc/{pid}/smaps_rollup").read_text().splitlines():
-        if entry.startswith("Pss:"):
-            return int(entry.split()[1]) / 1024
-    raise AssertionError("no Pss")
 
 
 def wake_ups(pid):
