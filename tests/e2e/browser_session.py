@@ -27,10 +27,17 @@ class SampleCall:
                                         stdin=subprocess.PIPE, stdout=subprocess.PIPE, text=True)
         self.port = int(self.process.stdout.readline())
 
-    def clicks(self):
+    def get(self, path):
         trusting = ssl._create_unverified_context()
-        with urllib.request.urlopen(f"https://127.0.0.1:{self.port}/-/clicks", context=trusting) as answer:
+        with urllib.request.urlopen(f"https://127.0.0.1:{self.port}{path}", context=trusting, timeout=20) as answer:
             return json.load(answer)
+
+    def clicks(self):
+        return self.get("/-/clicks")
+
+    def times(self):
+        """Of the clicks, in milliseconds since 1970."""
+        return self.get("/-/clicks?times")
 
     def stop(self):
         self.process.stdin.close()
@@ -114,12 +121,16 @@ class Browser:
         self.process = None
         self.log = open(place / "log", "w+")
 
+    def plain_command(self):
+        """Without our extension, and with the person's own folder of profiles."""
+        return ["chromium", *([] if os.getuid() else ["--no-sandbox"]), self.host, "--ignore-certificate-errors",
+                "--disable-background-networking", "--no-first-run", "--disable-component-update", "--disable-sync",
+                "--disable-quic", "--password-store=basic", "--no-default-browser-check"]
+
     def command(self, *arguments):
-        return ["chromium", "--no-sandbox", f"--user-data-dir={self.data}", f"--load-extension={self.extension}",
+        return [*self.plain_command(), f"--user-data-dir={self.data}", f"--load-extension={self.extension}",
                 f"--disable-extensions-except={self.extension}", "--disable-features=DisableLoadExtensionCommandLineSwitch",
-                self.host, "--ignore-certificate-errors", "--disable-background-networking", "--no-first-run",
-                "--disable-component-update", "--disable-sync", "--disable-quic", "--password-store=basic",
-                "--no-default-browser-check", *arguments]
+                *arguments]
 
     def environment(self):
         return dict(os.environ, KESTREL_BROWSER_SOCKETS=str(self.sockets),
