@@ -9,7 +9,6 @@ Item {
 
     required property AlertCard card
     readonly property MeetingItem item: card.item
-    readonly property color tint: item.hasTint ? item.tint : Theme.accent
     /// What is drawn as the card; presses beside it belong to the windows below.
     readonly property rect body: Qt.rect(Metrics.space7, 18, 360, glass.height)
     readonly property real radius: Metrics.radiusAlert
@@ -61,92 +60,16 @@ Item {
         onPositionChanged: root.card.drag()
     }
 
-    GlassCard {
+    AlertBody {
         id: glass
 
         x: root.body.x
         y: root.body.y
         width: root.body.width
-        padding: Metrics.space4
         // without a compositor the window is cut to shape, and what lies outside of a drawn corner would be black
         radius: Theme.composited ? root.radius : 0
-        tint: root.tint
-        tinted: true
+        item: root.item
 
-        CalendarStripe {
-            id: stripe
-
-            y: 2
-            width: 4
-            height: Math.max(28, details.height - 4)
-            colorHex: root.item.calendarColorHex
-            fallback: root.tint
-        }
-
-        Column {
-            id: details
-
-            x: stripe.width + Metrics.space3
-            width: glass.width - glass.padding * 2 - x
-            spacing: Metrics.space3
-
-            Item {
-                width: parent.width
-                height: Math.max(pill.height, dismissal.height)
-
-                CountdownPill {
-                    id: pill
-
-                    anchors.verticalCenter: parent.verticalCenter
-                    countdown: root.item.countdown
-                }
-                IconButton {
-                    id: dismissal
-
-                    anchors.verticalCenter: parent.verticalCenter
-                    anchors.right: parent.right
-                    symbol: "xmark"
-                    padding: Metrics.space2
-                    radius: height / 2
-                    accessibleName: qsTrId("alert.dismiss")
-                    color: Theme.text
-                    background: GlassSurface {
-                        radius: dismissal.radius
-                        tint: Theme.text
-                        tinted: dismissal.hovered
-                    }
-                    onClicked: root.card.dismiss()
-                }
-            }
-
-            PlainLabel {
-                width: parent.width
-                text: root.item.title
-                size: Metrics.textTitle
-                rounded: true
-                weight: Font.DemiBold
-                wrapMode: Text.Wrap
-                maximumLineCount: 3
-                Accessible.role: Accessible.Heading
-                Accessible.name: text
-            }
-
-            AlertTimeLine {
-                width: parent.width
-                item: root.item
-            }
-
-            MeetingLocationLabel {
-                width: Math.min(implicitWidth, parent.width)
-                visible: root.item.location !== ""
-                item: root.item
-            }
-
-            AlertActions {
-                width: parent.width
-                visible: root.item.canJoin || root.item.canOpenInCalendar
-                item: root.item
-            }
-        }
+        onDismissed: root.card.dismiss()
     }
 }

@@ -10,7 +10,6 @@ Pressable {
     property color color: Theme.secondaryText
 
     accessibleName: toolTip
-    opacity: enabled ? 1 : 0.45
     padding: Metrics.space1
 
     background: Rectangle {
