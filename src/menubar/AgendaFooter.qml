@@ -15,7 +15,6 @@ Item {
         spacing: Metrics.space2
 
         IconButton {
-            visible: root.agenda.hasSettings
             symbol: "gearshape"
             size: 15
             padding: Metrics.space1

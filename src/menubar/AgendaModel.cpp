@@ -98,14 +98,6 @@ bool AgendaModel::isRefreshing() const
     return m_refreshControl.isRefreshing();
 }
 
-void AgendaModel::setHasSettings(bool has)
-{
-    if (has == m_hasSettings)
-        return;
-    m_hasSettings = has;
-    Q_EMIT changed();
-}
-
 void AgendaModel::refresh()
 {
     m_refreshControl.startRefresh();

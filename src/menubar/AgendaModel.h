@@ -25,7 +25,6 @@ class AgendaModel final : public QObject
     Q_PROPERTY(int laterTodayHeight READ laterTodayHeight NOTIFY changed)
     Q_PROPERTY(QString refreshToolTip READ refreshToolTip NOTIFY changed)
     Q_PROPERTY(bool isRefreshing READ isRefreshing NOTIFY changed)
-    Q_PROPERTY(bool hasSettings READ hasSettings WRITE setHasSettings NOTIFY changed)
 public:
     AgendaModel(EventStore &store, AccountRegistry &registry, Preferences &preferences,
                 RefreshControl &refreshControl, MeetingOpener &opener, const Clock &clock);
@@ -47,9 +46,6 @@ public:
     [[nodiscard]] int laterTodayHeight() const;
     [[nodiscard]] QString refreshToolTip() const;
     [[nodiscard]] bool isRefreshing() const;
-    [[nodiscard]] bool hasSettings() const { return m_hasSettings; }
-    /// Whether there is a settings window to open.
-    void setHasSettings(bool has);
 
     Q_INVOKABLE void refresh();
     Q_INVOKABLE void openSettings();
@@ -74,7 +70,6 @@ private:
     QTimer m_timer;
     QString m_dateText;
     bool m_isEmpty = true;
-    bool m_hasSettings = false;
 };
 
 } // namespace kestrel

@@ -102,6 +102,7 @@ StatusItemState MenuBarController::state(Instant now) const
              { { u"open"_s, qtTrId("menu.open_agenda") },
                { u"join"_s, qtTrId("menu.join_next"), meetingToJoin(m_store, lead, now).has_value() },
                { u"refresh"_s, qtTrId("popover.footer.refresh") },
+               { u"settings"_s, qtTrId("popover.footer.settings") },
                { {}, {} },
                { u"quit"_s, qtTrId("popover.footer.quit") } } };
 }
@@ -146,6 +147,8 @@ void MenuBarController::runMenuEntry(const QString &id)
         Q_EMIT joinRequested();
     else if (id == "refresh"_L1)
         Q_EMIT refreshRequested();
+    else if (id == "settings"_L1)
+        Q_EMIT settingsRequested();
     else if (id == "quit"_L1)
         Q_EMIT quitRequested();
 }

@@ -29,6 +29,7 @@ public:
 Q_SIGNALS:
     void joinRequested();
     void refreshRequested();
+    void settingsRequested();
     void quitRequested();
 
 private:

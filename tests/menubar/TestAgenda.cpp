@@ -305,6 +305,10 @@ void TestAgenda::worksFromTheKeyboard()
     QCOMPARE(press(Qt::Key_Down), u"MeetingRow last"_s);
     QCOMPARE(press(Qt::Key_Tab), u"JoinButton last"_s);
     press(Qt::Key_Space);
+    const QSignalSpy settings(&desk.agenda, &AgendaModel::settingsRequested);
+    QCOMPARE(press(Qt::Key_Tab), u"IconButton"_s);
+    press(Qt::Key_Return);
+    QCOMPARE(settings.count(), 1);
     QCOMPARE(press(Qt::Key_Tab), u"IconButton"_s);
     press(Qt::Key_Return);
     QCOMPARE(desk.refreshControl.started, 1);

@@ -133,6 +133,10 @@ void TestMenuBarController::showsOnlyWhatIsNew()
 
     Q_EMIT panel.host.menuTriggered(u"join"_s);
     QCOMPARE(joins.count(), 1);
+    const QSignalSpy settings(&panel.controller, &MenuBarController::settingsRequested);
+    const auto &menu = panel.host.state->menu;
+    Q_EMIT panel.host.menuTriggered(std::ranges::find(menu, u"Settings"_s, &StatusItemMenuEntry::text)->id);
+    QCOMPARE(settings.count(), 1);
 }
 
 void TestMenuBarController::choosesTheMeetingToJoin_data()
