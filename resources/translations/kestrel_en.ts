@@ -11,6 +11,14 @@
         <source>MIN LEFT</source>
         <translation>MIN LEFT</translation>
     </message>
+    <message id="about.copyright">
+        <source>about.copyright</source>
+        <translation>© 2026 The Kestrel developers</translation>
+    </message>
+    <message id="about.version %@">
+        <source>about.version %@</source>
+        <translation>Version %1</translation>
+    </message>
     <message id="agenda.date_format">
         <source>agenda.date_format</source>
         <translation>dddd, MMM d</translation>
@@ -54,6 +62,18 @@
     <message id="duration.m %lld">
         <source>duration.m %lld</source>
         <translation>%1 min</translation>
+    </message>
+    <message id="language.english">
+        <source>language.english</source>
+        <translation>English</translation>
+    </message>
+    <message id="language.spanish">
+        <source>language.spanish</source>
+        <translation>Español</translation>
+    </message>
+    <message id="language.system">
+        <source>language.system</source>
+        <translation>As the desktop</translation>
     </message>
     <message id="meet_controls.chrome_flag.message">
         <source>meet_controls.chrome_flag.message</source>
@@ -200,6 +220,30 @@ Afterwards, “kestrel browser status” in a terminal says whether everything i
         <source>popover.ongoing.header</source>
         <translation>In progress</translation>
     </message>
+    <message id="position.bottom_center">
+        <source>position.bottom_center</source>
+        <translation>Bottom centre</translation>
+    </message>
+    <message id="position.bottom_left">
+        <source>position.bottom_left</source>
+        <translation>Bottom left</translation>
+    </message>
+    <message id="position.bottom_right">
+        <source>position.bottom_right</source>
+        <translation>Bottom right</translation>
+    </message>
+    <message id="position.top_center">
+        <source>position.top_center</source>
+        <translation>Top centre</translation>
+    </message>
+    <message id="position.top_left">
+        <source>position.top_left</source>
+        <translation>Top left</translation>
+    </message>
+    <message id="position.top_right">
+        <source>position.top_right</source>
+        <translation>Top right</translation>
+    </message>
     <message id="relative.days_ago %n" numerus="yes">
         <source>relative.days_ago %n</source>
         <translation>
@@ -232,6 +276,100 @@ Afterwards, “kestrel browser status” in a terminal says whether everything i
             <numerusform>%n seconds ago</numerusform>
         </translation>
     </message>
+    <message id="settings.accounts.add_google">
+        <source>settings.accounts.add_google</source>
+        <translation>Add a Google account</translation>
+    </message>
+    <message id="settings.accounts.calendars">
+        <source>settings.accounts.calendars</source>
+        <translation>Calendars</translation>
+    </message>
+    <message id="settings.accounts.calendars.help">
+        <source>settings.accounts.calendars.help</source>
+        <translation>With none switched on, Kestrel reads the primary calendar.</translation>
+    </message>
+    <message id="settings.accounts.launch_mode">
+        <source>settings.accounts.launch_mode</source>
+        <translation>Open meetings in</translation>
+    </message>
+    <message id="settings.accounts.launch_mode.help">
+        <source>settings.accounts.launch_mode.help</source>
+        <translation>A window of its own is for Google Meet, and needs a Chromium-family browser.</translation>
+    </message>
+    <message id="settings.accounts.launch_mode.popup">
+        <source>settings.accounts.launch_mode.popup</source>
+        <translation>Window of its own</translation>
+    </message>
+    <message id="settings.accounts.launch_mode.tab">
+        <source>settings.accounts.launch_mode.tab</source>
+        <translation>Browser tab</translation>
+    </message>
+    <message id="settings.accounts.loading">
+        <source>settings.accounts.loading</source>
+        <translation>Reading the calendars</translation>
+    </message>
+    <message id="settings.accounts.microsoft_coming_soon">
+        <source>settings.accounts.microsoft_coming_soon</source>
+        <translation>Microsoft accounts are coming soon</translation>
+    </message>
+    <message id="settings.accounts.none_connected">
+        <source>settings.accounts.none_connected</source>
+        <translation>No account is connected yet.</translation>
+    </message>
+    <message id="settings.accounts.primary">
+        <source>settings.accounts.primary</source>
+        <translation>Primary</translation>
+    </message>
+    <message id="settings.accounts.sign_out">
+        <source>settings.accounts.sign_out</source>
+        <translation>Sign out</translation>
+    </message>
+    <message id="settings.accounts.signing_in">
+        <source>settings.accounts.signing_in</source>
+        <translation>Finish signing in in the browser…</translation>
+    </message>
+    <message id="settings.auto_dismiss">
+        <source>settings.auto_dismiss</source>
+        <translation>Close alerts by themselves after</translation>
+    </message>
+    <message id="settings.auto_dismiss.manual">
+        <source>settings.auto_dismiss.manual</source>
+        <translation>Until dismissed</translation>
+    </message>
+    <message id="settings.browser.connected %@">
+        <source>settings.browser.connected %@</source>
+        <translation>Connected with %1.</translation>
+    </message>
+    <message id="settings.browser.install">
+        <source>settings.browser.install</source>
+        <translation>Connect a browser</translation>
+    </message>
+    <message id="settings.browser.install_again">
+        <source>settings.browser.install_again</source>
+        <translation>Show the steps</translation>
+    </message>
+    <message id="settings.browser.none">
+        <source>settings.browser.none</source>
+        <translation>No browser of the Chromium family was found. Calls are driven in one of them.</translation>
+    </message>
+    <message id="settings.browser.not_installed %@">
+        <source>settings.browser.not_installed %@</source>
+        <translation>No browser is connected. Kestrel can drive calls in %1.</translation>
+    </message>
+    <message id="settings.browser.scripts_off %@">
+        <source>settings.browser.scripts_off %@</source>
+        <translation>Connected with %1, but “Allow User Scripts” is off. Switch it on in the extension's details.</translation>
+    </message>
+    <message id="settings.browser.steps %@">
+        <source>settings.browser.steps %@</source>
+        <translation>Two steps are left, in each profile that you join calls with:
+1. Open chrome://extensions, turn on “Developer mode”, press “Load unpacked” and choose %1
+2. Press “Details” under Kestrel, and turn on “Allow User Scripts”.</translation>
+    </message>
+    <message id="settings.browser.waiting %@">
+        <source>settings.browser.waiting %@</source>
+        <translation>Waiting for %1: open it, and finish the steps for the extension.</translation>
+    </message>
     <message id="settings.calendar_color.help.custom">
         <source>settings.calendar_color.help.custom</source>
         <translation>Your own colour. Click to change it.</translation>
@@ -243,6 +381,10 @@ Afterwards, “kestrel browser status” in a terminal says whether everything i
     <message id="settings.calendar_color.reset">
         <source>settings.calendar_color.reset</source>
         <translation>Use Google's colour</translation>
+    </message>
+    <message id="settings.click_outside_dismiss">
+        <source>settings.click_outside_dismiss</source>
+        <translation>A click elsewhere closes alerts</translation>
     </message>
     <message id="settings.hotkey.modifier.command">
         <source>settings.hotkey.modifier.command</source>
@@ -268,9 +410,57 @@ Afterwards, “kestrel browser status” in a terminal says whether everything i
         <source>settings.hotkey.recording</source>
         <translation>Press the keys…</translation>
     </message>
+    <message id="settings.hotkey.reset">
+        <source>settings.hotkey.reset</source>
+        <translation>Back to the default shortcut</translation>
+    </message>
+    <message id="settings.integer.range %lld %lld">
+        <source>settings.integer.range %lld %lld</source>
+        <translation>A whole number from %1 to %2, please. The old one is still in use.</translation>
+    </message>
+    <message id="settings.join_shortcut.help">
+        <source>settings.join_shortcut.help</source>
+        <translation>Works everywhere on the desktop, whichever window is in front.</translation>
+    </message>
     <message id="settings.join_shortcut.keys">
         <source>settings.join_shortcut.keys</source>
         <translation>Join the next meeting</translation>
+    </message>
+    <message id="settings.join_shortcut.label">
+        <source>settings.join_shortcut.label</source>
+        <translation>Join with a shortcut</translation>
+    </message>
+    <message id="settings.language">
+        <source>settings.language</source>
+        <translation>Language of Kestrel</translation>
+    </message>
+    <message id="settings.language.help">
+        <source>settings.language.help</source>
+        <translation>Texts, dates and times change at once.</translation>
+    </message>
+    <message id="settings.launch_at_login">
+        <source>settings.launch_at_login</source>
+        <translation>Start Kestrel when I log in</translation>
+    </message>
+    <message id="settings.lead.10m">
+        <source>settings.lead.10m</source>
+        <translation>10 min</translation>
+    </message>
+    <message id="settings.lead.15m">
+        <source>settings.lead.15m</source>
+        <translation>15 min</translation>
+    </message>
+    <message id="settings.lead.1m">
+        <source>settings.lead.1m</source>
+        <translation>1 min</translation>
+    </message>
+    <message id="settings.lead.5m">
+        <source>settings.lead.5m</source>
+        <translation>5 min</translation>
+    </message>
+    <message id="settings.lead_time">
+        <source>settings.lead_time</source>
+        <translation>Alert me before a meeting</translation>
     </message>
     <message id="settings.meet_controls.focus">
         <source>settings.meet_controls.focus</source>
@@ -279,6 +469,14 @@ Afterwards, “kestrel browser status” in a terminal says whether everything i
     <message id="settings.meet_controls.hand">
         <source>settings.meet_controls.hand</source>
         <translation>Raise or lower your hand</translation>
+    </message>
+    <message id="settings.meet_controls.help">
+        <source>settings.meet_controls.help</source>
+        <translation>Microphone, camera, hand and reactions of a Google Meet call, by the shortcuts below.</translation>
+    </message>
+    <message id="settings.meet_controls.label">
+        <source>settings.meet_controls.label</source>
+        <translation>Control calls from anywhere</translation>
     </message>
     <message id="settings.meet_controls.leave">
         <source>settings.meet_controls.leave</source>
@@ -335,6 +533,146 @@ Afterwards, “kestrel browser status” in a terminal says whether everything i
     <message id="settings.meet_controls.video">
         <source>settings.meet_controls.video</source>
         <translation>Camera on or off</translation>
+    </message>
+    <message id="settings.meet_mic_indicator.help">
+        <source>settings.meet_mic_indicator.help</source>
+        <translation>During a call Kestrel's icon shows whether you can be heard.</translation>
+    </message>
+    <message id="settings.meet_mic_indicator.label">
+        <source>settings.meet_mic_indicator.label</source>
+        <translation>Microphone in the panel</translation>
+    </message>
+    <message id="settings.play_sound">
+        <source>settings.play_sound</source>
+        <translation>Play a sound with an alert</translation>
+    </message>
+    <message id="settings.popup.height">
+        <source>settings.popup.height</source>
+        <translation>Height</translation>
+    </message>
+    <message id="settings.popup.help">
+        <source>settings.popup.help</source>
+        <translation>In pixels, for meetings that open in a window of their own.</translation>
+    </message>
+    <message id="settings.popup.reset">
+        <source>settings.popup.reset</source>
+        <translation>Reset size</translation>
+    </message>
+    <message id="settings.popup.width">
+        <source>settings.popup.width</source>
+        <translation>Width</translation>
+    </message>
+    <message id="settings.position">
+        <source>settings.position</source>
+        <translation>Alerts appear at the</translation>
+    </message>
+    <message id="settings.preview.location">
+        <source>settings.preview.location</source>
+        <translation>Harbour office, 2nd floor</translation>
+    </message>
+    <message id="settings.preview.meeting">
+        <source>settings.preview.meeting</source>
+        <translation>Weekly planning</translation>
+    </message>
+    <message id="settings.preview.title">
+        <source>settings.preview.title</source>
+        <translation>This is how an alert looks</translation>
+    </message>
+    <message id="settings.reduce_transparency">
+        <source>settings.reduce_transparency</source>
+        <translation>Reduce transparency</translation>
+    </message>
+    <message id="settings.secondary_alert">
+        <source>settings.secondary_alert</source>
+        <translation>Alert me again one minute before</translation>
+    </message>
+    <message id="settings.section.appearance">
+        <source>settings.section.appearance</source>
+        <translation>Appearance</translation>
+    </message>
+    <message id="settings.section.behaviour">
+        <source>settings.section.behaviour</source>
+        <translation>Behaviour</translation>
+    </message>
+    <message id="settings.section.language">
+        <source>settings.section.language</source>
+        <translation>Language</translation>
+    </message>
+    <message id="settings.section.meetings.meet_controls">
+        <source>settings.section.meetings.meet_controls</source>
+        <translation>Google Meet controls</translation>
+    </message>
+    <message id="settings.section.meetings.popup">
+        <source>settings.section.meetings.popup</source>
+        <translation>Meeting window</translation>
+    </message>
+    <message id="settings.section.meetings.shortcut">
+        <source>settings.section.meetings.shortcut</source>
+        <translation>Join shortcut</translation>
+    </message>
+    <message id="settings.section.notifications">
+        <source>settings.section.notifications</source>
+        <translation>Alerts</translation>
+    </message>
+    <message id="settings.section.position">
+        <source>settings.section.position</source>
+        <translation>Position</translation>
+    </message>
+    <message id="settings.section.preview">
+        <source>settings.section.preview</source>
+        <translation>Preview</translation>
+    </message>
+    <message id="settings.section.sound">
+        <source>settings.section.sound</source>
+        <translation>Sound</translation>
+    </message>
+    <message id="settings.section.timing">
+        <source>settings.section.timing</source>
+        <translation>Timing</translation>
+    </message>
+    <message id="settings.sound.preview">
+        <source>settings.sound.preview</source>
+        <translation>Listen</translation>
+    </message>
+    <message id="settings.stack_alerts">
+        <source>settings.stack_alerts</source>
+        <translation>Stack alerts that come together</translation>
+    </message>
+    <message id="settings.streamdeck_bridge.help">
+        <source>settings.streamdeck_bridge.help</source>
+        <translation>Lets a Stream Deck on this computer show and control the call (port 18424).</translation>
+    </message>
+    <message id="settings.streamdeck_bridge.label">
+        <source>settings.streamdeck_bridge.label</source>
+        <translation>Stream Deck</translation>
+    </message>
+    <message id="settings.tab.about">
+        <source>settings.tab.about</source>
+        <translation>About</translation>
+    </message>
+    <message id="settings.tab.accounts">
+        <source>settings.tab.accounts</source>
+        <translation>Accounts</translation>
+    </message>
+    <message id="settings.tab.appearance">
+        <source>settings.tab.appearance</source>
+        <translation>Appearance</translation>
+    </message>
+    <message id="settings.tab.general">
+        <source>settings.tab.general</source>
+        <translation>General</translation>
+    </message>
+    <message id="settings.tab.meetings">
+        <source>settings.tab.meetings</source>
+        <translation>Meetings</translation>
+    </message>
+    <message id="settings.tab.notifications">
+        <source>settings.tab.notifications</source>
+        <translation>Notifications</translation>
+    </message>
+    <message id="settings.window.title">
+        <source>settings.window.title</source>
+        <translation>Kestrel Settings</translation>
     </message>
     <message id="tray.unavailable.gnome">
         <source>tray.unavailable.gnome</source>

@@ -11,6 +11,14 @@
         <source>MIN LEFT</source>
         <translation>MIN REST.</translation>
     </message>
+    <message id="about.copyright">
+        <source>about.copyright</source>
+        <translation>© 2026 Los desarrolladores de Kestrel</translation>
+    </message>
+    <message id="about.version %@">
+        <source>about.version %@</source>
+        <translation>Versión %1</translation>
+    </message>
     <message id="agenda.date_format">
         <source>agenda.date_format</source>
         <translation>dddd, d MMM</translation>
@@ -54,6 +62,18 @@
     <message id="duration.m %lld">
         <source>duration.m %lld</source>
         <translation>%1 min</translation>
+    </message>
+    <message id="language.english">
+        <source>language.english</source>
+        <translation>English</translation>
+    </message>
+    <message id="language.spanish">
+        <source>language.spanish</source>
+        <translation>Español</translation>
+    </message>
+    <message id="language.system">
+        <source>language.system</source>
+        <translation>El del escritorio</translation>
     </message>
     <message id="meet_controls.chrome_flag.message">
         <source>meet_controls.chrome_flag.message</source>
@@ -200,6 +220,30 @@ Después, «kestrel browser status» en un terminal te dirá si todo está listo
         <source>popover.ongoing.header</source>
         <translation>En curso</translation>
     </message>
+    <message id="position.bottom_center">
+        <source>position.bottom_center</source>
+        <translation>Abajo en el centro</translation>
+    </message>
+    <message id="position.bottom_left">
+        <source>position.bottom_left</source>
+        <translation>Abajo a la izquierda</translation>
+    </message>
+    <message id="position.bottom_right">
+        <source>position.bottom_right</source>
+        <translation>Abajo a la derecha</translation>
+    </message>
+    <message id="position.top_center">
+        <source>position.top_center</source>
+        <translation>Arriba en el centro</translation>
+    </message>
+    <message id="position.top_left">
+        <source>position.top_left</source>
+        <translation>Arriba a la izquierda</translation>
+    </message>
+    <message id="position.top_right">
+        <source>position.top_right</source>
+        <translation>Arriba a la derecha</translation>
+    </message>
     <message id="relative.days_ago %n" numerus="yes">
         <source>relative.days_ago %n</source>
         <translation>
@@ -232,6 +276,100 @@ Después, «kestrel browser status» en un terminal te dirá si todo está listo
             <numerusform>hace %n segundos</numerusform>
         </translation>
     </message>
+    <message id="settings.accounts.add_google">
+        <source>settings.accounts.add_google</source>
+        <translation>Añadir una cuenta de Google</translation>
+    </message>
+    <message id="settings.accounts.calendars">
+        <source>settings.accounts.calendars</source>
+        <translation>Calendarios</translation>
+    </message>
+    <message id="settings.accounts.calendars.help">
+        <source>settings.accounts.calendars.help</source>
+        <translation>Si no activas ninguno, Kestrel lee el calendario principal.</translation>
+    </message>
+    <message id="settings.accounts.launch_mode">
+        <source>settings.accounts.launch_mode</source>
+        <translation>Abrir las reuniones en</translation>
+    </message>
+    <message id="settings.accounts.launch_mode.help">
+        <source>settings.accounts.launch_mode.help</source>
+        <translation>La ventana propia es para Google Meet y necesita un navegador de la familia de Chromium.</translation>
+    </message>
+    <message id="settings.accounts.launch_mode.popup">
+        <source>settings.accounts.launch_mode.popup</source>
+        <translation>Ventana propia</translation>
+    </message>
+    <message id="settings.accounts.launch_mode.tab">
+        <source>settings.accounts.launch_mode.tab</source>
+        <translation>Una pestaña</translation>
+    </message>
+    <message id="settings.accounts.loading">
+        <source>settings.accounts.loading</source>
+        <translation>Leyendo los calendarios</translation>
+    </message>
+    <message id="settings.accounts.microsoft_coming_soon">
+        <source>settings.accounts.microsoft_coming_soon</source>
+        <translation>Las cuentas de Microsoft llegarán pronto</translation>
+    </message>
+    <message id="settings.accounts.none_connected">
+        <source>settings.accounts.none_connected</source>
+        <translation>Todavía no hay ninguna cuenta conectada.</translation>
+    </message>
+    <message id="settings.accounts.primary">
+        <source>settings.accounts.primary</source>
+        <translation>Principal</translation>
+    </message>
+    <message id="settings.accounts.sign_out">
+        <source>settings.accounts.sign_out</source>
+        <translation>Cerrar sesión</translation>
+    </message>
+    <message id="settings.accounts.signing_in">
+        <source>settings.accounts.signing_in</source>
+        <translation>Termina de iniciar sesión en el navegador…</translation>
+    </message>
+    <message id="settings.auto_dismiss">
+        <source>settings.auto_dismiss</source>
+        <translation>Cerrar los avisos solos al cabo de</translation>
+    </message>
+    <message id="settings.auto_dismiss.manual">
+        <source>settings.auto_dismiss.manual</source>
+        <translation>Hasta descartarlos</translation>
+    </message>
+    <message id="settings.browser.connected %@">
+        <source>settings.browser.connected %@</source>
+        <translation>Conectado con %1.</translation>
+    </message>
+    <message id="settings.browser.install">
+        <source>settings.browser.install</source>
+        <translation>Conectar un navegador</translation>
+    </message>
+    <message id="settings.browser.install_again">
+        <source>settings.browser.install_again</source>
+        <translation>Ver los pasos</translation>
+    </message>
+    <message id="settings.browser.none">
+        <source>settings.browser.none</source>
+        <translation>No se ha encontrado ningún navegador de la familia de Chromium. Las llamadas se controlan en uno de ellos.</translation>
+    </message>
+    <message id="settings.browser.not_installed %@">
+        <source>settings.browser.not_installed %@</source>
+        <translation>Ningún navegador está conectado. Kestrel puede manejar las llamadas en %1.</translation>
+    </message>
+    <message id="settings.browser.scripts_off %@">
+        <source>settings.browser.scripts_off %@</source>
+        <translation>Conectado con %1, pero «Permitir secuencias de comandos de usuario» está desactivado. Actívalo en los detalles de la extensión.</translation>
+    </message>
+    <message id="settings.browser.steps %@">
+        <source>settings.browser.steps %@</source>
+        <translation>Quedan dos pasos, en cada perfil con el que entras en las llamadas:
+1. Abre chrome://extensions, activa «Modo de desarrollador», pulsa «Cargar descomprimida» y elige %1
+2. Pulsa «Detalles» en Kestrel y activa «Permitir secuencias de comandos de usuario».</translation>
+    </message>
+    <message id="settings.browser.waiting %@">
+        <source>settings.browser.waiting %@</source>
+        <translation>Esperando a %1: ábrelo y termina los pasos de la extensión.</translation>
+    </message>
     <message id="settings.calendar_color.help.custom">
         <source>settings.calendar_color.help.custom</source>
         <translation>Tu propio color. Haz clic para cambiarlo.</translation>
@@ -243,6 +381,10 @@ Después, «kestrel browser status» en un terminal te dirá si todo está listo
     <message id="settings.calendar_color.reset">
         <source>settings.calendar_color.reset</source>
         <translation>Usar el color de Google</translation>
+    </message>
+    <message id="settings.click_outside_dismiss">
+        <source>settings.click_outside_dismiss</source>
+        <translation>Un clic fuera cierra los avisos</translation>
     </message>
     <message id="settings.hotkey.modifier.command">
         <source>settings.hotkey.modifier.command</source>
@@ -268,9 +410,57 @@ Después, «kestrel browser status» en un terminal te dirá si todo está listo
         <source>settings.hotkey.recording</source>
         <translation>Pulsa las teclas…</translation>
     </message>
+    <message id="settings.hotkey.reset">
+        <source>settings.hotkey.reset</source>
+        <translation>Volver al atajo predeterminado</translation>
+    </message>
+    <message id="settings.integer.range %lld %lld">
+        <source>settings.integer.range %lld %lld</source>
+        <translation>Escribe un número entero del %1 al %2. Sigue valiendo el anterior.</translation>
+    </message>
+    <message id="settings.join_shortcut.help">
+        <source>settings.join_shortcut.help</source>
+        <translation>Funciona en todo el escritorio, sea cual sea la ventana activa.</translation>
+    </message>
     <message id="settings.join_shortcut.keys">
         <source>settings.join_shortcut.keys</source>
         <translation>Entrar en la próxima reunión</translation>
+    </message>
+    <message id="settings.join_shortcut.label">
+        <source>settings.join_shortcut.label</source>
+        <translation>Entrar con un atajo</translation>
+    </message>
+    <message id="settings.language">
+        <source>settings.language</source>
+        <translation>Idioma de Kestrel</translation>
+    </message>
+    <message id="settings.language.help">
+        <source>settings.language.help</source>
+        <translation>Los textos, las fechas y las horas cambian al momento.</translation>
+    </message>
+    <message id="settings.launch_at_login">
+        <source>settings.launch_at_login</source>
+        <translation>Iniciar Kestrel al entrar en la sesión</translation>
+    </message>
+    <message id="settings.lead.10m">
+        <source>settings.lead.10m</source>
+        <translation>10 min</translation>
+    </message>
+    <message id="settings.lead.15m">
+        <source>settings.lead.15m</source>
+        <translation>15 min</translation>
+    </message>
+    <message id="settings.lead.1m">
+        <source>settings.lead.1m</source>
+        <translation>1 min</translation>
+    </message>
+    <message id="settings.lead.5m">
+        <source>settings.lead.5m</source>
+        <translation>5 min</translation>
+    </message>
+    <message id="settings.lead_time">
+        <source>settings.lead_time</source>
+        <translation>Avisarme antes de una reunión</translation>
     </message>
     <message id="settings.meet_controls.focus">
         <source>settings.meet_controls.focus</source>
@@ -279,6 +469,14 @@ Después, «kestrel browser status» en un terminal te dirá si todo está listo
     <message id="settings.meet_controls.hand">
         <source>settings.meet_controls.hand</source>
         <translation>Levantar o bajar la mano</translation>
+    </message>
+    <message id="settings.meet_controls.help">
+        <source>settings.meet_controls.help</source>
+        <translation>Micrófono, cámara, mano y reacciones de una llamada de Google Meet, con los atajos de abajo.</translation>
+    </message>
+    <message id="settings.meet_controls.label">
+        <source>settings.meet_controls.label</source>
+        <translation>Controlar las llamadas desde cualquier parte</translation>
     </message>
     <message id="settings.meet_controls.leave">
         <source>settings.meet_controls.leave</source>
@@ -335,6 +533,146 @@ Después, «kestrel browser status» en un terminal te dirá si todo está listo
     <message id="settings.meet_controls.video">
         <source>settings.meet_controls.video</source>
         <translation>Activar o desactivar la cámara</translation>
+    </message>
+    <message id="settings.meet_mic_indicator.help">
+        <source>settings.meet_mic_indicator.help</source>
+        <translation>Durante una llamada, el icono de Kestrel muestra si se te oye.</translation>
+    </message>
+    <message id="settings.meet_mic_indicator.label">
+        <source>settings.meet_mic_indicator.label</source>
+        <translation>Micrófono en el panel</translation>
+    </message>
+    <message id="settings.play_sound">
+        <source>settings.play_sound</source>
+        <translation>Reproducir un sonido con cada aviso</translation>
+    </message>
+    <message id="settings.popup.height">
+        <source>settings.popup.height</source>
+        <translation>Altura</translation>
+    </message>
+    <message id="settings.popup.help">
+        <source>settings.popup.help</source>
+        <translation>En píxeles, para las reuniones que se abren en su propia ventana.</translation>
+    </message>
+    <message id="settings.popup.reset">
+        <source>settings.popup.reset</source>
+        <translation>Restablecer el tamaño</translation>
+    </message>
+    <message id="settings.popup.width">
+        <source>settings.popup.width</source>
+        <translation>Anchura</translation>
+    </message>
+    <message id="settings.position">
+        <source>settings.position</source>
+        <translation>Los avisos aparecen</translation>
+    </message>
+    <message id="settings.preview.location">
+        <source>settings.preview.location</source>
+        <translation>Oficina del puerto, 2.ª planta</translation>
+    </message>
+    <message id="settings.preview.meeting">
+        <source>settings.preview.meeting</source>
+        <translation>Planificación semanal</translation>
+    </message>
+    <message id="settings.preview.title">
+        <source>settings.preview.title</source>
+        <translation>Así se ve un aviso</translation>
+    </message>
+    <message id="settings.reduce_transparency">
+        <source>settings.reduce_transparency</source>
+        <translation>Reducir la transparencia</translation>
+    </message>
+    <message id="settings.secondary_alert">
+        <source>settings.secondary_alert</source>
+        <translation>Avisarme otra vez un minuto antes</translation>
+    </message>
+    <message id="settings.section.appearance">
+        <source>settings.section.appearance</source>
+        <translation>Apariencia</translation>
+    </message>
+    <message id="settings.section.behaviour">
+        <source>settings.section.behaviour</source>
+        <translation>Comportamiento</translation>
+    </message>
+    <message id="settings.section.language">
+        <source>settings.section.language</source>
+        <translation>Idioma</translation>
+    </message>
+    <message id="settings.section.meetings.meet_controls">
+        <source>settings.section.meetings.meet_controls</source>
+        <translation>Controles de Google Meet</translation>
+    </message>
+    <message id="settings.section.meetings.popup">
+        <source>settings.section.meetings.popup</source>
+        <translation>Ventana de la reunión</translation>
+    </message>
+    <message id="settings.section.meetings.shortcut">
+        <source>settings.section.meetings.shortcut</source>
+        <translation>Atajo para entrar</translation>
+    </message>
+    <message id="settings.section.notifications">
+        <source>settings.section.notifications</source>
+        <translation>Avisos</translation>
+    </message>
+    <message id="settings.section.position">
+        <source>settings.section.position</source>
+        <translation>Posición</translation>
+    </message>
+    <message id="settings.section.preview">
+        <source>settings.section.preview</source>
+        <translation>Vista previa</translation>
+    </message>
+    <message id="settings.section.sound">
+        <source>settings.section.sound</source>
+        <translation>Sonido</translation>
+    </message>
+    <message id="settings.section.timing">
+        <source>settings.section.timing</source>
+        <translation>Tiempos</translation>
+    </message>
+    <message id="settings.sound.preview">
+        <source>settings.sound.preview</source>
+        <translation>Escuchar</translation>
+    </message>
+    <message id="settings.stack_alerts">
+        <source>settings.stack_alerts</source>
+        <translation>Apilar los avisos que llegan a la vez</translation>
+    </message>
+    <message id="settings.streamdeck_bridge.help">
+        <source>settings.streamdeck_bridge.help</source>
+        <translation>Permite que un Stream Deck de este equipo muestre y controle la llamada (puerto 18424).</translation>
+    </message>
+    <message id="settings.streamdeck_bridge.label">
+        <source>settings.streamdeck_bridge.label</source>
+        <translation>Stream Deck</translation>
+    </message>
+    <message id="settings.tab.about">
+        <source>settings.tab.about</source>
+        <translation>Acerca de</translation>
+    </message>
+    <message id="settings.tab.accounts">
+        <source>settings.tab.accounts</source>
+        <translation>Cuentas</translation>
+    </message>
+    <message id="settings.tab.appearance">
+        <source>settings.tab.appearance</source>
+        <translation>Apariencia</translation>
+    </message>
+    <message id="settings.tab.general">
+        <source>settings.tab.general</source>
+        <translation>General</translation>
+    </message>
+    <message id="settings.tab.meetings">
+        <source>settings.tab.meetings</source>
+        <translation>Reuniones</translation>
+    </message>
+    <message id="settings.tab.notifications">
+        <source>settings.tab.notifications</source>
+        <translation>Avisos</translation>
+    </message>
+    <message id="settings.window.title">
+        <source>settings.window.title</source>
+        <translation>Ajustes de Kestrel</translation>
     </message>
     <message id="tray.unavailable.gnome">
         <source>tray.unavailable.gnome</source>
