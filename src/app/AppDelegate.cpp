@@ -45,6 +45,10 @@ AppDelegate::AppDelegate(PreferenceStore &preferenceStore, const AuthServices &s
     , m_hud(desktop.scene, desktop.windows, desktop.screens, desktop.theme)
     , m_meetControls(m_environment.preferences(), m_environment.meetState(), desktop.helper, m_hotkeys, m_hud,
                      desktop.notice, preferenceStore, [this] { showAgenda(); })
+    , m_settings({ m_environment.preferences(), m_environment.registry(), m_environment.google(),
+                   m_environment, m_environment.opener(), m_environment.clock(), desktop.sounds,
+                   desktop.loginItem, desktop.browser, m_hotkeys, desktop.keyMonitor, start.missingClient })
+    , m_settingsWindow(desktop.scene, desktop.screens, m_settings)
 {
     Preferences &preferences = m_environment.preferences();
     const auto followTransparency = [&preferences, &theme = desktop.theme] {
@@ -57,6 +61,8 @@ AppDelegate::AppDelegate(PreferenceStore &preferenceStore, const AuthServices &s
     connect(&m_menuBar, &MenuBarController::refreshRequested, &m_environment, &AppEnvironment::startRefresh);
     connect(&m_menuBar, &MenuBarController::quitRequested, this, &QCoreApplication::quit,
             Qt::QueuedConnection);
+    connect(&m_menuBar, &MenuBarController::settingsRequested, this, &AppDelegate::showSettings);
+    connect(&m_agenda, &AgendaModel::settingsRequested, this, &AppDelegate::showSettings);
     connect(&m_agenda, &AgendaModel::quitRequested, this, &QCoreApplication::quit, Qt::QueuedConnection);
 
     connect(&desktop.statusItem, &StatusItemHost::unavailable, this,
@@ -180,6 +186,13 @@ void AppDelegate::retranslate()
 {
     m_popover.retranslate();
     m_menuBar.updateTitle();
+    m_settingsWindow.retranslate();
+}
+
+bool AppDelegate::showSettings()
+{
+    m_settingsWindow.show();
+    return m_settingsWindow.isShown();
 }
 
 bool AppDelegate::showAgenda()

@@ -9,6 +9,7 @@
 #include "menubar/AgendaModel.h"
 #include "menubar/AgendaPopover.h"
 #include "menubar/MenuBarController.h"
+#include "settings/SettingsWindow.h"
 #include "streamdeck/StreamDeckBridge.h"
 #include <QObject>
 #include <memory>
@@ -45,6 +46,8 @@ public:
     void perform(HotkeyAction action);
     /// False where there is no screen to show it on.
     bool showAgenda();
+    /// Likewise.
+    bool showSettings();
     /// The language is another one.
     void retranslate();
 
@@ -67,6 +70,8 @@ private:
     HotkeyDispatcher m_hotkeys;
     MeetHUDPresenter m_hud;
     MeetControlsController m_meetControls;
+    SettingsModel m_settings;
+    SettingsWindow m_settingsWindow;
     std::unique_ptr<GlobalHotkey> m_joinShortcut;
     StreamDeckBridge m_bridge;
     bool m_appliesLater = false;

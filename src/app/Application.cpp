@@ -108,6 +108,10 @@ int Application::run()
         AppDelegate::Start { m_line.justInstalled, missingClientMessage(m_place.clientFile, m_client),
                              m_place.bridgePort });
     AppEnvironment &environment = m_delegate->environment();
+    // in a later turn: whoever changed it is still at work with the old texts
+    QObject::connect(
+        &environment.preferences(), &Preferences::changed, m_delegate.get(), [this] { followLanguage(); },
+        Qt::QueuedConnection);
     m_verbs = std::make_unique<Verbs>(environment.registry(), environment.google(),
                                       missingClientMessage(m_place.clientFile, m_client));
     m_verbs->setDelegate(m_delegate.get());

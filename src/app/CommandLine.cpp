@@ -39,6 +39,8 @@ constexpr std::array verbs {
            "Closes every alert card on the screen."_L1, 0, 0, ""_L1 },
     Verb { "show"_L1, "show"_L1, "open the agenda"_L1,
            "Opens the agenda on the screen of the running Kestrel."_L1, 0, 0, ""_L1 },
+    Verb { "settings"_L1, "settings"_L1, "open the settings"_L1,
+           "Opens the settings window on the screen of the running Kestrel."_L1, 0, 0, ""_L1 },
     Verb {
         "action"_L1, "action NAME"_L1, "do what a global shortcut does"_L1,
         "For compositors that bind keys themselves. NAME is join, meetMute, meetVideo, meetHand, meetFocus,\n"

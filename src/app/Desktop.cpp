@@ -10,9 +10,12 @@
 #include "platform/linux/MakeFloatingWindows.h"
 #include "platform/linux/MakeShortcutBackend.h"
 #include "platform/linux/PortalAppearance.h"
+#include "platform/linux/QtKeyMonitor.h"
 #include "platform/null/NullAppearance.h"
+#include "platform/null/NullBrowserConnection.h"
 #include "platform/null/NullFloatingWindows.h"
 #include "platform/null/NullHelperChannel.h"
+#include "platform/null/NullLoginItem.h"
 #include "platform/null/NullModalNotice.h"
 #include "platform/null/NullNotifications.h"
 #include "platform/null/NullScreens.h"
@@ -47,15 +50,19 @@ public:
 
     [[nodiscard]] DesktopServices services() override
     {
-        return { m_applications, *m_windows, m_helper,      m_notice,     m_notifications, m_screens,
-                 *m_shortcuts,   m_sounds,   *m_statusItem, m_alertTimer, m_theme,         m_scene };
+        return { m_applications, m_browser,     *m_windows,      m_helper,  m_keyMonitor,
+                 m_loginItem,    m_notice,      m_notifications, m_screens, *m_shortcuts,
+                 m_sounds,       *m_statusItem, m_alertTimer,    m_theme,   m_scene };
     }
 
 private:
     PortalAppearance m_appearance;
     DesktopApplicationLookup m_applications;
+    NullBrowserConnection m_browser;
     std::unique_ptr<FloatingWindows> m_windows = makeFloatingWindows();
     DBusHelperChannel m_helper;
+    QtKeyMonitor m_keyMonitor;
+    NullLoginItem m_loginItem;
     DBusNotifications m_notifications { QDBusConnection::sessionBus() };
     DesktopScreens m_screens;
     std::unique_ptr<ShortcutBackend> m_shortcuts = makeShortcutBackend(QDBusConnection::sessionBus());
@@ -72,15 +79,19 @@ class HeadlessDesktop final : public Desktop
 public:
     [[nodiscard]] DesktopServices services() override
     {
-        return { m_applications, m_windows, m_helper,     m_notice,     m_notifications, m_screens,
-                 m_shortcuts,    m_sounds,  m_statusItem, m_alertTimer, m_theme,         m_scene };
+        return { m_applications, m_browser,    m_windows,       m_helper,  m_keyMonitor,
+                 m_loginItem,    m_notice,     m_notifications, m_screens, m_shortcuts,
+                 m_sounds,       m_statusItem, m_alertTimer,    m_theme,   m_scene };
     }
 
 private:
     NullAppearance m_appearance;
     DesktopApplicationLookup m_applications;
+    NullBrowserConnection m_browser;
     NullFloatingWindows m_windows;
     NullHelperChannel m_helper;
+    QtKeyMonitor m_keyMonitor;
+    NullLoginItem m_loginItem;
     NullModalNotice m_notice;
     NullNotifications m_notifications;
     NullScreens m_screens;

@@ -4,8 +4,11 @@ namespace kestrel {
 
 class Appearance;
 class ApplicationLookup;
+class BrowserConnection;
 class FloatingWindows;
 class HelperChannel;
+class KeyMonitor;
+class LoginItem;
 class ModalNotice;
 class Notifications;
 class QuickScene;
@@ -20,8 +23,11 @@ class WakeTimer;
 struct DesktopServices
 {
     ApplicationLookup &applications;
+    BrowserConnection &browser;
     FloatingWindows &windows;
     HelperChannel &helper;
+    KeyMonitor &keyMonitor;
+    LoginItem &loginItem;
     ModalNotice &notice;
     Notifications &notifications;
     Screens &screens;

@@ -110,6 +110,8 @@ QCoro::Task<VerbResult> Verbs::run(QStringList arguments)
         co_return dismiss();
     if (line->verb == "show"_L1)
         co_return show();
+    if (line->verb == "settings"_L1)
+        co_return settings();
     co_return failed(ExitCode::Usage, u"\"%1\" is not for a running Kestrel."_s.arg(line->verb));
 }
 
@@ -203,6 +205,13 @@ VerbResult Verbs::dismiss()
 VerbResult Verbs::show()
 {
     if (!m_delegate->showAgenda())
+        return failed(ExitCode::Failed, u"This Kestrel runs without a display."_s);
+    return done({});
+}
+
+VerbResult Verbs::settings()
+{
+    if (!m_delegate->showSettings())
         return failed(ExitCode::Failed, u"This Kestrel runs without a display."_s);
     return done({});
 }

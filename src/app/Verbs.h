@@ -34,6 +34,7 @@ private:
     [[nodiscard]] VerbResult action(const QString &name);
     [[nodiscard]] VerbResult dismiss();
     [[nodiscard]] VerbResult show();
+    [[nodiscard]] VerbResult settings();
     [[nodiscard]] QCoro::Task<VerbResult> addAccount();
     [[nodiscard]] VerbResult listAccounts(bool json) const;
     [[nodiscard]] QCoro::Task<VerbResult> removeAccount(QString account);

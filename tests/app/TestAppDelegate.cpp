@@ -6,6 +6,7 @@
 #include <QSignalSpy>
 #include <QTcpServer>
 #include <QTest>
+#include <QTranslator>
 #include <QWebSocket>
 
 using namespace Qt::StringLiterals;
@@ -35,6 +36,12 @@ class TestAppDelegate : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    void initTestCase()
+    {
+        QVERIFY(translator.load(u":/i18n/kestrel_en.qm"_s));
+        QCoreApplication::installTranslator(&translator);
+    }
+
     void init()
     {
         google = std::make_unique<FakeGoogle>();
@@ -146,6 +153,21 @@ private Q_SLOTS:
         QTRY_VERIFY(!delegate->environment().meetState().inMeeting());
     }
 
+    void theSettingsOpenFromAgendaAndPanel()
+    {
+        QTest::failOnWarning(QRegularExpression(u"qrc:"_s));
+        google->preferences.setBoolean(u"popover.hasShownInitialAutoOpen.v1"_s, true);
+        start();
+        QVERIFY(!isShown(u"Kestrel Settings"_s));
+        delegate->agenda().openSettings();
+        QVERIFY(isShown(u"Kestrel Settings"_s));
+        delegate.reset();
+        QVERIFY(!isShown(u"Kestrel Settings"_s));
+        start();
+        Q_EMIT desktop->statusItem.menuTriggered(u"settings"_s);
+        QVERIFY(isShown(u"Kestrel Settings"_s));
+    }
+
     void aMissingTrayIsSaidOnceForAll()
     {
         google->preferences.setBoolean(u"popover.hasShownInitialAutoOpen.v1"_s, true);
@@ -172,13 +194,15 @@ private:
         return probe.serverPort();
     }
 
-    [[nodiscard]] static bool isAgendaShown()
+    [[nodiscard]] static bool isShown(const QString &title)
     {
-        return std::ranges::any_of(QGuiApplication::topLevelWindows(), [](const QWindow *window) {
-            return window->title() == "Kestrel"_L1 && window->isVisible();
+        return std::ranges::any_of(QGuiApplication::topLevelWindows(), [&](const QWindow *window) {
+            return window->title() == title && window->isVisible();
         });
     }
+    [[nodiscard]] static bool isAgendaShown() { return isShown(u"Kestrel"_s); }
 
+    QTranslator translator;
     std::unique_ptr<FakeGoogle> google;
     std::unique_ptr<FakeDesktop> desktop;
     std::unique_ptr<AppDelegate> delegate;

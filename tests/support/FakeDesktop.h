@@ -2,8 +2,11 @@
 #include "app/DesktopServices.h"
 #include "support/FakeAppearance.h"
 #include "support/FakeApplicationLookup.h"
+#include "support/FakeBrowserConnection.h"
 #include "support/FakeFloatingWindows.h"
 #include "support/FakeHelperChannel.h"
+#include "support/FakeKeyMonitor.h"
+#include "support/FakeLoginItem.h"
 #include "support/FakeModalNotice.h"
 #include "support/FakeNotifications.h"
 #include "support/FakeScreens.h"
@@ -21,8 +24,11 @@ struct FakeDesktop
 {
     FakeAppearance appearance;
     FakeApplicationLookup applications;
+    FakeBrowserConnection browser;
     FakeFloatingWindows windows;
     FakeHelperChannel helper;
+    FakeKeyMonitor keyMonitor;
+    FakeLoginItem loginItem;
     FakeModalNotice notice;
     FakeNotifications notifications;
     FakeScreens screens;
@@ -35,8 +41,8 @@ struct FakeDesktop
 
     [[nodiscard]] DesktopServices services()
     {
-        return { applications, windows, helper,     notice,     notifications, screens,
-                 shortcuts,    sounds,  statusItem, alertTimer, theme,         scene };
+        return { applications, browser,   windows, helper,     keyMonitor, loginItem, notice, notifications,
+                 screens,      shortcuts, sounds,  statusItem, alertTimer, theme,     scene };
     }
 };
 
