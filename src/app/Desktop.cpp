@@ -1,5 +1,7 @@
 #include "app/Desktop.h"
+#include "app/BrowserVerb.h"
 #include "app/InstancePlace.h"
+#include "app/SetupBrowserConnection.h"
 #include "meet/DBusHelperChannel.h"
 #include "platform/linux/AbsoluteWakeTimer.h"
 #include "platform/linux/CanberraSoundPlayer.h"
@@ -43,7 +45,8 @@ class DisplayDesktop final : public Desktop
 {
 public:
     explicit DisplayDesktop(const InstancePlace &place)
-        : m_helper(QDBusConnection::sessionBus(), place.busName, helperProgram(place))
+        : m_browser(browserPlaces(place))
+        , m_helper(QDBusConnection::sessionBus(), place.busName, helperProgram(place))
         , m_sounds(place.soundCache)
     {
     }
@@ -58,7 +61,7 @@ public:
 private:
     PortalAppearance m_appearance;
     DesktopApplicationLookup m_applications;
-    NullBrowserConnection m_browser;
+    SetupBrowserConnection m_browser;
     std::unique_ptr<FloatingWindows> m_windows = makeFloatingWindows();
     DBusHelperChannel m_helper;
     QtKeyMonitor m_keyMonitor;

@@ -1,0 +1,85 @@
+#include "app/SetupBrowserConnection.h"
+#include <QCoro/QCoroFuture>
+#include <QFuture>
+#include <QPromise>
+#include <QThread>
+#include <algorithm>
+#include <functional>
+#include <utility>
+
+using namespace Qt::StringLiterals;
+
+namespace kestrel {
+
+namespace {
+
+/// The thread may go on when nobody waits for it any more.
+template<typename Result>
+QCoro::Task<Result> onThread(std::function<Result()> work)
+{
+    QPromise<Result> promise;
+    QFuture<Result> future = promise.future();
+    promise.start();
+    // a thread's own end may come before anybody can wait for it
+    QThread *thread = QThread::create([work, promise = std::move(promise)]() mutable {
+        promise.addResult(work());
+        promise.finish();
+    });
+    QObject::connect(thread, &QThread::finished, thread, &QObject::deleteLater);
+    thread->start();
+    co_return co_await future;
+}
+
+BrowserConnectionState stateOf(const BrowserReport &report)
+{
+    BrowserConnectionState state;
+    bool isScriptingOn = false;
+    for (const BrowserCondition &browser : report.browsers) {
+        if (browser.manifest == HostManifest::Impossible)
+            continue;
+        state.browsers.append(browser.name);
+        if (browser.manifest == HostManifest::Current && !report.installedRevision.isEmpty())
+            state.isInstalled = true;
+        for (const BrowserRelay &relay : browser.relays) {
+            if (!relay.allowsScripts)
+                continue;
+            if (!state.connected.contains(browser.name))
+                state.connected.append(browser.name);
+            isScriptingOn = isScriptingOn || *relay.allowsScripts;
+        }
+    }
+    state.isScriptingOff = !state.connected.isEmpty() && !isScriptingOn;
+    return state;
+}
+
+std::expected<QString, QString> installed(const BrowserPlaces &places)
+{
+    const auto browsers = BrowserSetup(places).install();
+    if (!browsers)
+        return std::unexpected(browsers.error());
+    const auto failed = std::ranges::find_if(
+        *browsers, [](const BrowserInstallation &browser) { return !browser.error.isEmpty(); });
+    if (failed != browsers->end())
+        return std::unexpected(u"%1: %2: %3"_s.arg(failed->name, failed->manifestFile, failed->error));
+    return places.extension;
+}
+
+} // namespace
+
+SetupBrowserConnection::SetupBrowserConnection(BrowserPlaces places)
+    : m_places(std::move(places))
+{
+}
+
+QCoro::Task<BrowserConnectionState> SetupBrowserConnection::state()
+{
+    return onThread<BrowserConnectionState>(
+        [places = m_places] { return stateOf(BrowserSetup(places).status()); });
+}
+
+QCoro::Task<std::expected<QString, QString>> SetupBrowserConnection::install()
+{
+    return onThread<std::expected<QString, QString>>([places = m_places] { return installed(places); });
+}
+
+} // namespace kestrel
