@@ -5,6 +5,8 @@
 #include "benchmarks/BudgetTable.h"
 #include "benchmarks/Heartbeat.h"
 #include "google/AccountRegistry.h"
+#include "google/GoogleProvider.h"
+#include "hotkeys/HotkeyDispatcher.h"
 #include "menubar/AgendaModel.h"
 #include "menubar/AgendaPopover.h"
 #include "menubar/MeetingOpener.h"
@@ -13,7 +15,9 @@
 #include "platform/linux/AbsoluteWakeTimer.h"
 #include "platform/null/NullScreens.h"
 #include "preferences/Preferences.h"
+#include "settings/SettingsWindow.h"
 #include "support/FakeFloatingWindows.h"
+#include "support/FakeGoogle.h"
 #include "support/FakeNotifications.h"
 #include "support/FakePreferenceStore.h"
 #include "support/FakeUrlOpener.h"
@@ -65,6 +69,15 @@ Meeting meeting(int number, Instant start)
     return made;
 }
 
+/// Nothing of the person's.
+InstancePlace place()
+{
+    InstancePlace made;
+    made.dataFolder = QDir::tempPath();
+    made.soundCache = QDir::tempPath();
+    return made;
+}
+
 /// A desktop with an account and a day of meetings.
 struct Day
 {
@@ -79,7 +92,7 @@ struct Day
         benchmark::DoNotOptimize(QFontMetricsF(QGuiApplication::font()).height());
     }
 
-    std::unique_ptr<Desktop> desktop = Desktop::make(true, QDir::tempPath());
+    std::unique_ptr<Desktop> desktop = Desktop::make(true, place());
     DesktopServices services = desktop->services();
     SystemClock clock;
     FakePreferenceStore preferenceStore;
@@ -182,6 +195,41 @@ void benchmarkCards(benchmark::State &first, std::vector<double> &later, std::ve
     report(first, firstTimes);
 }
 
+void benchmarkSettings(benchmark::State &first, std::vector<double> &later)
+{
+    Day day;
+    settle(200ms);
+    FakeGoogle google;
+    GoogleProvider provider(day.registry, google.services());
+    HotkeyDispatcher dispatcher(day.services.shortcuts);
+    SettingsModel model({ day.preferences,
+                          day.registry,
+                          provider,
+                          day.control,
+                          day.opener,
+                          day.clock,
+                          day.services.sounds,
+                          day.services.loginItem,
+                          day.services.browser,
+                          dispatcher,
+                          day.services.keyMonitor,
+                          {} });
+    SettingsWindow window(day.services.scene, day.services.screens, model);
+    std::vector<double> firstTimes;
+    // the longest tab
+    for ([[maybe_unused]] auto iteration : first)
+        firstTimes.push_back(untilFrame([&] { window.show(SettingsModel::Tab::Meetings); }));
+    for (int i = 0; i < laterShows; ++i) {
+        settle(50ms);
+        window.close();
+        settle(100ms);
+        later.push_back(untilFrame([&] { window.show(); }));
+    }
+    window.close();
+    settle(50ms);
+    report(first, firstTimes);
+}
+
 /// Notes when it is first asked whether cards can be placed, which is the first thing that presenting asks.
 class NotingWindows final : public FloatingWindows
 {
@@ -261,6 +309,7 @@ int main(int argc, char **argv)
     std::vector<double> popovers;
     std::vector<double> cards;
     std::vector<double> restacked;
+    std::vector<double> settings;
     const auto once = [](const char *name, auto work) {
         benchmark::RegisterBenchmark(name, work)->Iterations(1);
     };
@@ -269,6 +318,12 @@ int main(int argc, char **argv)
     once("popover: click to first frame, later", [&](benchmark::State &state) {
         for ([[maybe_unused]] auto iteration : state) { }
         kestrel::report(state, popovers);
+    });
+    once("settings: show to first frame, first time",
+         [&](benchmark::State &state) { kestrel::benchmarkSettings(state, settings); });
+    once("settings: show to first frame, later", [&](benchmark::State &state) {
+        for ([[maybe_unused]] auto iteration : state) { }
+        kestrel::report(state, settings);
     });
     once("card: present to first frame, first time",
          [&](benchmark::State &state) { kestrel::benchmarkCards(state, cards, restacked); });
@@ -286,6 +341,8 @@ int main(int argc, char **argv)
     kestrel::BudgetTable table("milliseconds by the clock",
                                { { "popover: click to first frame, first time", 60 },
                                  { "popover: click to first frame, later", 16 },
+                                 { "settings: show to first frame, first time", 150 },
+                                 { "settings: show to first frame, later", 150 },
                                  { "card: present to first frame, first time", 100 },
                                  { "card: present to first frame, later", 20 },
                                  { "60 cards re-stacked: longest gap", 33 },
