@@ -51,6 +51,7 @@ AppDelegate::AppDelegate(PreferenceStore &preferenceStore, const AuthServices &s
     , m_settingsWindow(desktop.scene, desktop.screens, m_settings)
 {
     Preferences &preferences = m_environment.preferences();
+    setLaunchAtLogin(preferences.launchAtLogin(), desktop.loginItem);
     const auto followTransparency = [&preferences, &theme = desktop.theme] {
         theme.setReducesTransparency(preferences.reduceTransparency());
     };

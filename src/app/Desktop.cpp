@@ -13,11 +13,11 @@
 #include "platform/linux/MakeShortcutBackend.h"
 #include "platform/linux/PortalAppearance.h"
 #include "platform/linux/QtKeyMonitor.h"
+#include "platform/linux/XdgLoginItem.h"
 #include "platform/null/NullAppearance.h"
 #include "platform/null/NullBrowserConnection.h"
 #include "platform/null/NullFloatingWindows.h"
 #include "platform/null/NullHelperChannel.h"
-#include "platform/null/NullLoginItem.h"
 #include "platform/null/NullModalNotice.h"
 #include "platform/null/NullNotifications.h"
 #include "platform/null/NullScreens.h"
@@ -27,6 +27,7 @@
 #include "ui/QuickModalNotice.h"
 #include "ui/QuickScene.h"
 #include "ui/Theme.h"
+#include <QCoreApplication>
 
 using namespace Qt::StringLiterals;
 
@@ -47,6 +48,7 @@ public:
     explicit DisplayDesktop(const InstancePlace &place)
         : m_browser(browserPlaces(place))
         , m_helper(QDBusConnection::sessionBus(), place.busName, helperProgram(place))
+        , m_loginItem(place.autostartFolder, QCoreApplication::applicationFilePath())
         , m_sounds(place.soundCache)
     {
     }
@@ -65,7 +67,7 @@ private:
     std::unique_ptr<FloatingWindows> m_windows = makeFloatingWindows();
     DBusHelperChannel m_helper;
     QtKeyMonitor m_keyMonitor;
-    NullLoginItem m_loginItem;
+    XdgLoginItem m_loginItem;
     DBusNotifications m_notifications { QDBusConnection::sessionBus() };
     DesktopScreens m_screens;
     std::unique_ptr<ShortcutBackend> m_shortcuts = makeShortcutBackend(QDBusConnection::sessionBus());
@@ -80,6 +82,11 @@ private:
 class HeadlessDesktop final : public Desktop
 {
 public:
+    explicit HeadlessDesktop(const InstancePlace &place)
+        : m_loginItem(place.autostartFolder, QCoreApplication::applicationFilePath())
+    {
+    }
+
     [[nodiscard]] DesktopServices services() override
     {
         return { m_applications, m_browser,    m_windows,       m_helper,  m_keyMonitor,
@@ -94,7 +101,7 @@ private:
     NullFloatingWindows m_windows;
     NullHelperChannel m_helper;
     QtKeyMonitor m_keyMonitor;
-    NullLoginItem m_loginItem;
+    XdgLoginItem m_loginItem;
     NullModalNotice m_notice;
     NullNotifications m_notifications;
     NullScreens m_screens;
@@ -112,7 +119,7 @@ std::unique_ptr<Desktop> Desktop::make(bool hasDisplay, const InstancePlace &pla
 {
     if (hasDisplay)
         return std::make_unique<DisplayDesktop>(place);
-    return std::make_unique<HeadlessDesktop>();
+    return std::make_unique<HeadlessDesktop>(place);
 }
 
 } // namespace kestrel

@@ -25,6 +25,13 @@ QString suffixOf(const QString &folder)
         + QString::fromLatin1(QCryptographicHash::hash(path, QCryptographicHash::Sha256).toHex().left(12));
 }
 
+/// With its .desktop file below the same prefix: a build tree must not start with the session.
+bool isInstalled()
+{
+    return QFileInfo::exists(QCoreApplication::applicationDirPath() + u"/../share/applications/"_s
+                             + AppIdentifier + u".desktop"_s);
+}
+
 /// Browsers inherit the variable and find the same folder.
 QString socketsFolder(const QString &suffix)
 {
@@ -91,6 +98,9 @@ std::expected<InstancePlace, QString> InstancePlace::resolve(const QString &data
         place.clientFile = config + u"google-client.json"_s;
         place.secretsFile = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation)
             + u"/kestrel/secrets.json"_s;
+        place.autostartFolder = isInstalled()
+            ? QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) + u"/autostart"_s
+            : config + u"autostart"_s;
         place.browserSockets = socketsFolder({});
         place.browserProfile = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation)
             + u"/kestrel/browser-profile"_s;
@@ -105,6 +115,7 @@ std::expected<InstancePlace, QString> InstancePlace::resolve(const QString &data
     const QString suffix = suffixOf(folder);
     place.busName += suffix;
     place.secretService += suffix;
+    place.autostartFolder = folder + u"/autostart"_s;
     place.browserSockets = socketsFolder(suffix);
     place.browserProfile = folder + u"/browser-profile"_s;
     // the person's own Kestrel may be listening on the usual one

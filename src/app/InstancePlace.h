@@ -17,6 +17,8 @@ struct InstancePlace
     QString soundCache; ///< a folder for sounds that are not installed beside the program
     QString browserSockets; ///< the folder in which browsers are found (docs/browser-protocol.md)
     QString browserProfile; ///< the folder of a browser profile of Kestrel's own
+    QString
+        autostartFolder; ///< the desktop's only where Kestrel is installed; else one that nobody starts from
     quint16 bridgePort = 18424;
     QString dataFolder; ///< empty for the person's own Kestrel
     GoogleEndpoints endpoints;

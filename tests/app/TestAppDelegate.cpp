@@ -101,6 +101,7 @@ private Q_SLOTS:
         start();
         QVERIFY(!isAgendaShown());
         QTRY_VERIFY(isAgendaShown());
+        QCOMPARE(desktop->loginItem.isEnabled, true);
         QCOMPARE(google->preferences.boolean(u"popover.hasShownInitialAutoOpen.v1"_s), true);
     }
 
