@@ -1,6 +1,7 @@
 #include "alerts/AlertPresenter.h"
 #include "alerts/AlertScheduler.h"
 #include "app/Desktop.h"
+#include "app/InstancePlace.h"
 #include "base/Clock.h"
 #include "benchmarks/BudgetTable.h"
 #include "benchmarks/Heartbeat.h"

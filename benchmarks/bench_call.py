@@ -19,10 +19,17 @@ POLLING_SECONDS = 60
 POLLS_A_SECOND = 1 / 1.5
 
 
-def process_named(name):
-    found = subprocess.run(["pgrep", "-f", f"/{name}( |$)"], capture_output=True, text=True, check=True).stdout.split()
-    assert len(found) == 1, f"{name}: {found}"
+def helper_process(kestrel):
+    """That of our Kestrel, whose preference file stands on its command line."""
+    found = subprocess.run(["pgrep", "-f", f"/kestrel-browser-helper .*{kestrel.data}"], capture_output=True, text=True,
+                           check=True).stdout.split()
+    assert len(found) == 1, found
     return int(found[0])
+
+
+def relay_process(browser):
+    """Its socket is named after it."""
+    return int(browser.socket_paths()[0].stem.split("-")[1])
 
 
 def processor_seconds(pid):
@@ -51,7 +58,7 @@ def main():
         for _ in range(PRESSES):
             count = len(delays)
             pressed = time.time()
-            keys.stdin.write("key alt+shift+m\n")
+            keys.stdin.write("key --delay 0 alt+shift+m\n")
             keys.stdin.flush()
             wait_until(lambda: len(call.times()) > count, "the press in the page")
             delays.append(call.times()[-1] - 1000 * pressed)
@@ -63,7 +70,7 @@ def main():
               f"longest {delays[-1]:.1f} ms of {PRESSES}")
         line("shortcut pressed to script run in the page, p95", p95, "ms", 20)
 
-        helper, relay = process_named("kestrel-browser-helper"), process_named("kestrel-browser-relay")
+        helper, relay = helper_process(kestrel), relay_process(browser)
         before = processor_seconds(helper)
         time.sleep(POLLING_SECONDS)
         polls = POLLING_SECONDS * POLLS_A_SECOND

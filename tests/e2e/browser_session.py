@@ -123,7 +123,7 @@ class Browser:
 
     def plain_command(self):
         """Without our extension, and with the person's own folder of profiles."""
-        return ["chromium", *([] if os.getuid() else ["--no-sandbox"]), self.host, "--ignore-certificate-errors",
+        return ["chromium", *([] if os.getuid() else ["--no-sandbox"]), "--test-type", self.host, "--ignore-certificate-errors",
                 "--disable-background-networking", "--no-first-run", "--disable-component-update", "--disable-sync",
                 "--disable-quic", "--password-store=basic", "--no-default-browser-check"]
 
