@@ -51,7 +51,7 @@ constexpr QLatin1StringView interfaceName { "GlobalShortcuts" };
 constexpr QLatin1StringView fullInterface { "org.freedesktop.portal.GlobalShortcuts" };
 constexpr QLatin1StringView sessionInterface { "org.freedesktop.portal.Session" };
 
-/// "CTRL+ALT+m", as the desktops' shared text of a shortcut has it (XDG "shortcuts" specification).
+/// "CTRL+ALT+m", as the desktops' shared text of a shortcut has it (freedesktop.org, "shortcuts").
 std::optional<QString> triggerOf(const ShortcutBackend::Shortcut &shortcut)
 {
     const auto keysym = usKeysymName(shortcut.keyCode);

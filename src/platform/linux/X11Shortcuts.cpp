@@ -15,7 +15,7 @@ constexpr xcb_keysym_t rightAltKeysym = 0xffea;
 constexpr xcb_keysym_t leftSuperKeysym = 0xffeb;
 constexpr xcb_keysym_t rightSuperKeysym = 0xffec;
 
-// "The X Keyboard Extension: Protocol Specification", section 16; xcb/xkb.h is no C++
+// X Keyboard Extension protocol, section 16; xcb/xkb.h is no C++
 constexpr quint8 xkbNewKeyboardNotify = 0;
 constexpr quint8 xkbMapNotify = 1;
 
