@@ -9,9 +9,9 @@ namespace kestrel {
 /// The value of `key` in the main group of a .desktop file, as it stands there; empty when it has none.
 [[nodiscard]] QString desktopEntryValue(const QString &path, QLatin1StringView key);
 
-/// Program and arguments of an Exec value (desktop entries of freedesktop.org, "The Exec key"). There is no file or
-/// address to pass: field codes that stand for one go, as do icon, name and the entry's own path. The error
-/// is a description.
+/// Program and arguments of an Exec value (desktop entries of freedesktop.org, "The Exec key"). There is no
+/// file or address to pass: field codes that stand for one go, as do icon, name and the entry's own path. The
+/// error is a description.
 [[nodiscard]] std::expected<QStringList, QString> execArguments(const QString &exec);
 
 } // namespace kestrel
