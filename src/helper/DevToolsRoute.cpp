@@ -14,7 +14,8 @@ namespace {
 
 constexpr auto meetOrigin = "https://meet.google.com/"_L1;
 constexpr int noSuchSession = -32001;
-/// A script that does not let go of its page is stopped after this, in milliseconds; nobody waits for it then.
+/// A script that does not let go of its page is stopped after this, in milliseconds; nobody waits for it
+/// then.
 constexpr int evaluationBound = 3500;
 constexpr int internalError = -32603; ///< what came of it
 
