@@ -18,7 +18,7 @@ REACT = """(() => {
     labelled("reaction").click();
     const start = performance.now();
     const poll = () => {
-        if (labelled("reaction").getAttribute("aria-expanded") === "true") {
+        if (labelled("clap")) {
             labelled("clap").click();
             setTimeout(() => labelled("reaction").click(), 150);
         } else if (performance.now() - start < 1500) {

@@ -105,6 +105,9 @@ class OnScreen(unittest.TestCase):
         self.add_event(id="later", title="Later", startsInMinutes=42, meetCode="kes-demo-aaa")
         icon_alone = self.panel()
         kestrel.done("accounts", "add")
+        # meetings in a tab, not in a window that a browser of this machine would open
+        preferences = kestrel.data / "kestrel.ini"
+        preferences.write_text(preferences.read_text().replace('Mode\\":\\"popup', 'Mode\\":\\"tab'))
         kestrel.done("refresh")
 
         with self.subTest("the countdown is on the panel"):
