@@ -18,7 +18,7 @@ namespace {
 
 QString socketFolder()
 {
-    const QString named = qEnvironmentVariable("KESTREL_BROWSER_SOCKETS");
+    QString named = qEnvironmentVariable("KESTREL_BROWSER_SOCKETS");
     if (!named.isEmpty())
         return named;
     // not QStandardPaths, which complains where the session has none and takes another folder
