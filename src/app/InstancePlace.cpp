@@ -35,8 +35,8 @@ bool isInstalled()
 /// Browsers inherit the variable and find the same folder.
 QString socketsFolder(const QString &suffix)
 {
-    if (qEnvironmentVariableIsSet("KESTREL_BROWSER_SOCKETS"))
-        return qEnvironmentVariable("KESTREL_BROWSER_SOCKETS");
+    if (const QString named = qEnvironmentVariable("KESTREL_BROWSER_SOCKETS"); !named.isEmpty())
+        return named;
     // not QStandardPaths, which takes a folder that no browser looks into where the session has none
     const QString runtime = qEnvironmentVariable("XDG_RUNTIME_DIR", u"/run/user/%1"_s.arg(::getuid()));
     return runtime + u"/kestrel"_s + suffix + u"/browsers"_s;
