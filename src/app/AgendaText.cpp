@@ -57,6 +57,11 @@ QString attendeeText(const QJsonObject &attendee)
 
 } // namespace
 
+QString accountName(const CalendarAccount &account)
+{
+    return terminalText(account.email.value_or(account.displayName));
+}
+
 QString terminalText(const QString &text)
 {
     QString safe = text;

@@ -1,4 +1,5 @@
 #pragma once
+#include "model/CalendarAccount.h"
 #include "model/EventStore.h"
 #include <QString>
 
@@ -12,6 +13,9 @@ namespace kestrel {
 
 /// "in 4 min", "in 2 h 5 min", "now".
 [[nodiscard]] QString untilText(Instant start, Instant now);
+
+/// An account as people know it.
+[[nodiscard]] QString accountName(const CalendarAccount &account);
 
 /// `text` without anything that a terminal would act on.
 [[nodiscard]] QString terminalText(const QString &text);

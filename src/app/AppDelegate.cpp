@@ -81,6 +81,11 @@ AppDelegate::AppDelegate(PreferenceStore &preferenceStore, const AuthServices &s
         connect(&state, changed, this, &AppDelegate::broadcastLater);
     applyPreferences();
     connect(&preferences, &Preferences::changed, this, &AppDelegate::applyPreferencesLater);
+    connect(&m_menuBar, &MenuBarController::updated, this, &AppDelegate::statusChanged);
+    connect(&state, &MeetState::cameraOnChanged, this, &AppDelegate::statusChanged);
+    connect(&m_environment.store(), &EventStore::upcomingChanged, this, &AppDelegate::statusChanged);
+    connect(&m_environment.registry(), &AccountRegistry::accountsChanged, this, &AppDelegate::statusChanged);
+    connect(&m_environment.google(), &GoogleProvider::signedInChanged, this, &AppDelegate::statusChanged);
 
     // the first question about a font reads the whole collection: in a quiet moment, not on the first click
     QTimer::singleShot(3s, this, [hasScreen = desktop.screens.mainFrame().has_value()] {

@@ -38,6 +38,7 @@ public:
 
     [[nodiscard]] AppEnvironment &environment() { return m_environment; }
     [[nodiscard]] AgendaModel &agenda() { return m_agenda; }
+    [[nodiscard]] const MenuBarController &menuBar() const { return m_menuBar; }
 
     /// Joins what a person would mean now, or shows the agenda where there is nothing to join. The meeting
     /// that is joined, if any.
@@ -50,6 +51,10 @@ public:
     bool showSettings();
     /// The language is another one.
     void retranslate();
+
+Q_SIGNALS:
+    /// What `kestrel status` tells may be another.
+    void statusChanged();
 
 private:
     /// Brings the join shortcut, the Meet controls and the bridge in line with the preferences.

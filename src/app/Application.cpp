@@ -2,7 +2,7 @@
 #include "app/GoogleClientFile.h"
 #include "app/TerminationSignals.h"
 #include "base/Log.h"
-#include "base/StartTask.h"
+#include "command/HandOver.h"
 #include "platform/linux/DBusSessionInstance.h"
 #include "platform/linux/DesktopUrlOpener.h"
 #include "platform/linux/FileSecretStore.h"
@@ -11,18 +11,12 @@
 #include "platform/linux/SecretServiceStore.h"
 #include "platform/linux/SystemConnectivity.h"
 #include <QCoreApplication>
-#include <QTimer>
 
 using namespace Qt::StringLiterals;
 
 namespace kestrel {
 
 namespace {
-
-VerbResult failure(int exitCode, const QString &error)
-{
-    return { exitCode, {}, error + u'\n' };
-}
 
 const auto noBusMessage =
     u"Kestrel needs a session bus (D-Bus), and there is none here. In a bare shell: dbus-run-session -- kestrel"_s;
@@ -32,12 +26,6 @@ std::unique_ptr<SecretStore> makeSecretStore(const QString &kind, const Instance
     if (kind == "file"_L1)
         return std::make_unique<FileSecretStore>(place.secretsFile);
     return std::make_unique<SecretServiceStore>();
-}
-
-QCoro::Task<void> printAndQuit(QCoro::Task<VerbResult> task, int &exitCode)
-{
-    exitCode = printResult(co_await std::move(task));
-    QCoreApplication::quit();
 }
 
 } // namespace
@@ -115,6 +103,8 @@ int Application::run()
     m_verbs = std::make_unique<Verbs>(environment.registry(), environment.google(),
                                       missingClientMessage(m_place.clientFile, m_client));
     m_verbs->setDelegate(m_delegate.get());
+    QObject::connect(m_delegate.get(), &AppDelegate::statusChanged, m_instance.get(),
+                     &SessionInstance::announceChange);
     const int exitCode = QCoreApplication::exec();
     m_verbs.reset();
     m_delegate.reset();
@@ -123,36 +113,25 @@ int Application::run()
 
 int Application::runVerb()
 {
-    int exitCode = ExitCode::Success;
-    QTimer::singleShot(0, m_instance.get(), [&] { startTask("verb", printAndQuit(verbResult(), exitCode)); });
-    QCoreApplication::exec();
-    return exitCode;
+    return printWhenDone(verbResult());
 }
 
 QCoro::Task<VerbResult> Application::verbResult()
 {
     if (m_line.verb != "accounts"_L1)
-        co_return co_await handedOver();
+        co_return co_await handedOver(*m_instance, m_line.forHandOver());
     // Listing reads the preferences alone and works beside anything; adding and removing are the instance's
     // business.
     if (m_line.arguments[0] != "list"_L1) {
         const auto claim =
             m_instance->claim([this](QStringList arguments) { return m_verbs->run(std::move(arguments)); });
         if (claim == SessionInstance::Claim::Taken)
-            co_return co_await handedOver();
+            co_return co_await handedOver(*m_instance, m_line.forHandOver());
         if (claim == SessionInstance::Claim::Unreachable)
             co_return failure(ExitCode::Failed, noBusMessage);
     }
     makeAccounts();
     co_return co_await m_verbs->run(m_line.forHandOver());
-}
-
-QCoro::Task<VerbResult> Application::handedOver()
-{
-    const auto result = co_await m_instance->handOver(m_line.forHandOver());
-    if (!result)
-        co_return failure(ExitCode::NotRunning, result.error());
-    co_return *result;
 }
 
 } // namespace kestrel

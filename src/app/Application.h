@@ -1,11 +1,11 @@
 #pragma once
 #include "app/AppDelegate.h"
-#include "app/CommandLine.h"
 #include "app/Desktop.h"
-#include "app/InstancePlace.h"
 #include "app/Language.h"
 #include "app/Verbs.h"
 #include "base/Clock.h"
+#include "command/CommandLine.h"
+#include "command/InstancePlace.h"
 #include "platform/SessionInstance.h"
 #include <QCoro/QCoroTask>
 #include <memory>
@@ -32,7 +32,6 @@ public:
 
 private:
     [[nodiscard]] QCoro::Task<VerbResult> verbResult();
-    [[nodiscard]] QCoro::Task<VerbResult> handedOver();
     /// The accounts and their sign-in, without the refresh loop.
     void makeAccounts();
     void followLanguage();

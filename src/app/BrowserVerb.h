@@ -1,6 +1,6 @@
 #pragma once
-#include "app/CommandLine.h"
-#include "app/InstancePlace.h"
+#include "command/CommandLine.h"
+#include "command/InstancePlace.h"
 #include "platform/SessionInstance.h"
 #include "platform/linux/BrowserSetup.h"
 

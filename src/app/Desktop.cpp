@@ -1,7 +1,7 @@
 #include "app/Desktop.h"
 #include "app/BrowserVerb.h"
-#include "app/InstancePlace.h"
 #include "app/SetupBrowserConnection.h"
+#include "command/InstancePlace.h"
 #include "meet/DBusHelperChannel.h"
 #include "platform/linux/AbsoluteWakeTimer.h"
 #include "platform/linux/CanberraSoundPlayer.h"
@@ -27,7 +27,6 @@
 #include "ui/QuickModalNotice.h"
 #include "ui/QuickScene.h"
 #include "ui/Theme.h"
-#include <QCoreApplication>
 
 using namespace Qt::StringLiterals;
 
@@ -48,8 +47,8 @@ public:
     explicit DisplayDesktop(const InstancePlace &place)
         : m_browser(browserPlaces(place))
         , m_helper(QDBusConnection::sessionBus(), place.busName, helperProgram(place))
-        , m_loginItem(place.autostartFolder, QCoreApplication::applicationFilePath())
-        , m_sounds(place.soundCache)
+        , m_loginItem(place.autostartFolder, companionProgram("kestrel"_L1))
+        , m_sounds(installPrefix() + u"/share/kestrel/sounds"_s, place.soundCache)
     {
     }
 
@@ -83,7 +82,7 @@ class HeadlessDesktop final : public Desktop
 {
 public:
     explicit HeadlessDesktop(const InstancePlace &place)
-        : m_loginItem(place.autostartFolder, QCoreApplication::applicationFilePath())
+        : m_loginItem(place.autostartFolder, companionProgram("kestrel"_L1))
     {
     }
 

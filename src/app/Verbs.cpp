@@ -2,6 +2,7 @@
 #include "app/AgendaText.h"
 #include "app/AppDelegate.h"
 #include "app/MeetingJson.h"
+#include "app/StatusText.h"
 #include "google/AccountRegistry.h"
 #include "google/CalendarDecoder.h"
 #include "google/GoogleEventMapper.h"
@@ -28,19 +29,10 @@ VerbResult failed(int exitCode, const QString &error)
     return { exitCode, {}, error.endsWith(u'\n') ? error : error + u'\n' };
 }
 
-QString jsonText(const auto &value)
+QString jsonText(const auto &value, QJsonDocument::JsonFormat format = QJsonDocument::Indented)
 {
-    return QString::fromUtf8(QJsonDocument(value).toJson(QJsonDocument::Indented));
-}
-
-QString accountName(const CalendarAccount &account)
-{
-    return terminalText(account.email.value_or(account.displayName));
-}
-
-QJsonObject meetingOrNull(const QList<Meeting> &meetings)
-{
-    return meetings.isEmpty() ? QJsonObject() : toJson(meetings.first());
+    const QString text = QString::fromUtf8(QJsonDocument(value).toJson(format));
+    return text.endsWith(u'\n') ? text : text + u'\n';
 }
 
 QString countOf(qsizetype count, QLatin1StringView one, QLatin1StringView many)
@@ -99,7 +91,7 @@ QCoro::Task<VerbResult> Verbs::run(QStringList arguments)
     if (line->verb == "agenda"_L1)
         co_return agenda(line->json);
     if (line->verb == "status"_L1)
-        co_return status(line->json);
+        co_return status(*line);
     if (line->verb == "refresh"_L1)
         co_return co_await refresh();
     if (line->verb == "join"_L1)
@@ -127,48 +119,17 @@ VerbResult Verbs::agenda(bool json) const
     return done(agendaText(store, m_environment->clock().now()));
 }
 
-VerbResult Verbs::status(bool json) const
+VerbResult Verbs::status(const CommandLine &line) const
 {
-    const EventStore &store = m_environment->store();
-    const Instant now = m_environment->clock().now();
-    const QList<Meeting> ongoing = store.ongoing(now);
-    const QList<Meeting> next = store.nextUp(now);
-    const auto lastRefresh = m_environment->lastRefresh();
-    if (json) {
-        QJsonArray accounts;
-        for (const CalendarAccount &account : m_registry.accounts()) {
-            accounts.append(
-                QJsonObject { { u"id"_s, account.id },
-                              { u"email"_s, account.email ? QJsonValue(*account.email) : QJsonValue::Null },
-                              { u"isSignedIn"_s, m_google.oauth(account.id).isSignedIn() } });
-        }
-        const QJsonObject nextMeeting = meetingOrNull(next);
-        return done(jsonText(QJsonObject {
-            { u"accounts"_s, accounts },
-            { u"isRefreshing"_s, m_environment->isRefreshing() },
-            { u"lastRefresh"_s,
-              lastRefresh ? QJsonValue(toInternetDateTimeWithMilliseconds(*lastRefresh)) : QJsonValue::Null },
-            { u"upcoming"_s, store.upcoming().size() },
-            { u"ongoing"_s, toJson(ongoing) },
-            { u"next"_s, nextMeeting.isEmpty() ? QJsonValue::Null : QJsonValue(nextMeeting) },
-        }));
-    }
-
-    QString text;
-    for (const Meeting &meeting : ongoing)
-        text += u"Now: %1\n"_s.arg(terminalText(meeting.title));
-    for (const Meeting &meeting : next)
-        text += u"Next: %1, %2\n"_s.arg(terminalText(meeting.title), untilText(meeting.start, now));
-    if (text.isEmpty())
-        text = u"No meetings in the next 24 hours.\n"_s;
-    for (const CalendarAccount &account : m_registry.accounts()) {
-        const bool isSignedIn = m_google.oauth(account.id).isSignedIn();
-        text += u"Account: %1%2\n"_s.arg(accountName(account), isSignedIn ? QString() : u", not signed in"_s);
-    }
-    if (m_registry.accounts().isEmpty())
-        text += u"No account is connected. Sign in with: kestrel accounts add\n"_s;
-    text += u"Last refresh: %1\n"_s.arg(lastRefresh ? toInternetDateTime(*lastRefresh) : u"none yet"_s);
-    return done(text);
+    const bool isOneLine = line.follow || line.waybar;
+    if (line.json)
+        return done(jsonText(statusObject(*m_environment),
+                             isOneLine ? QJsonDocument::Compact : QJsonDocument::Indented));
+    if (!isOneLine)
+        return done(statusText(*m_environment));
+    const PanelStatus status = panelStatus(*m_environment, m_delegate->menuBar());
+    return done(line.waybar ? jsonText(waybarObject(status), QJsonDocument::Compact)
+                            : panelLine(status) + u'\n');
 }
 
 QCoro::Task<VerbResult> Verbs::refresh()
@@ -260,13 +221,6 @@ QCoro::Task<VerbResult> Verbs::removeAccount(QString name)
     if (!signedOut)
         co_return failed(ExitCode::Failed, signedOut.error().description() + adviceOn(signedOut.error()));
     co_return done(u"Signed out: %1\n"_s.arg(name));
-}
-
-int printResult(const VerbResult &result)
-{
-    std::fputs(result.output.toUtf8().constData(), stdout);
-    std::fputs(result.errors.toUtf8().constData(), stderr);
-    return result.exitCode;
 }
 
 VerbResult meetingsOfFile(const CommandLine &line)

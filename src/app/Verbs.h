@@ -1,5 +1,5 @@
 #pragma once
-#include "app/CommandLine.h"
+#include "command/CommandLine.h"
 #include "platform/SessionInstance.h"
 #include <QCoro/QCoroTask>
 #include <QString>
@@ -28,7 +28,7 @@ public:
 
 private:
     [[nodiscard]] VerbResult agenda(bool json) const;
-    [[nodiscard]] VerbResult status(bool json) const;
+    [[nodiscard]] VerbResult status(const CommandLine &line) const;
     [[nodiscard]] QCoro::Task<VerbResult> refresh();
     [[nodiscard]] VerbResult join();
     [[nodiscard]] VerbResult action(const QString &name);
@@ -45,9 +45,6 @@ private:
     AppDelegate *m_delegate = nullptr;
     AppEnvironment *m_environment = nullptr; ///< the delegate's
 };
-
-/// Prints to stdout and stderr; returns the exit code.
-int printResult(const VerbResult &result);
 
 /// Decodes and maps a saved calendar answer; needs no running Kestrel.
 [[nodiscard]] VerbResult meetingsOfFile(const CommandLine &line);

@@ -3,9 +3,9 @@
 #include "app/GoogleClientFile.h"
 #include "base/AppIdentifier.h"
 #include "base/Log.h"
+#include "command/HandOver.h"
 #include "platform/linux/WindowSystem.h"
 #include <QGuiApplication>
-#include <cstdio>
 
 using namespace Qt::StringLiterals;
 using namespace kestrel;
@@ -14,8 +14,7 @@ namespace {
 
 int complain(int exitCode, const QString &message)
 {
-    std::fprintf(stderr, "kestrel: %s\n", message.toUtf8().constData());
-    return exitCode;
+    return printResult(failure(exitCode, u"kestrel: "_s + message));
 }
 
 /// Kestrel itself has windows where there is a display; verbs never do, and start the quicker for it.
@@ -25,7 +24,7 @@ bool wantsWindows(int argc, char **argv)
     for (int i = 0; i < argc; ++i)
         arguments.append(QString::fromLocal8Bit(argv[i]));
     const auto line = CommandLine::parse(arguments);
-    if (!line || !line->verb.isEmpty() || line->help || line->version)
+    if (!line || !line->verb.isEmpty())
         return false;
     const auto system = windowSystem();
     if (!system)
@@ -55,14 +54,6 @@ int main(int argc, char **argv)
     const auto line = CommandLine::parse(QCoreApplication::arguments());
     if (!line)
         return complain(ExitCode::Usage, line.error());
-    if (line->help) {
-        std::fputs(helpPage(line->verb).toUtf8().constData(), stdout);
-        return ExitCode::Success;
-    }
-    if (line->version) {
-        std::puts("kestrel " KESTREL_VERSION);
-        return ExitCode::Success;
-    }
     installLog(line->verb.isEmpty() ? QtInfoMsg : QtWarningMsg);
     if (line->verb == "meetings"_L1)
         return printResult(meetingsOfFile(*line));

@@ -68,6 +68,7 @@ void MenuBarController::updateTitle()
         return;
     m_shown = std::move(next);
     m_host.show(*m_shown);
+    Q_EMIT updated();
 }
 
 void MenuBarController::showPopover()

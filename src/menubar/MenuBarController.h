@@ -23,10 +23,17 @@ public:
 
     /// Makes what the status item shows anew; shows it only when it is another.
     void updateTitle();
+    /// What stands beside the icon; may be empty.
+    [[nodiscard]] QString title() const { return m_shown ? m_shown->label : QString(); }
+    /// The meeting that is counted to.
+    [[nodiscard]] std::optional<Meeting> nextMeeting(Instant now) const;
+
     void showPopover();
     void togglePopover(QPoint hint);
 
 Q_SIGNALS:
+    /// The status item shows something else.
+    void updated();
     void joinRequested();
     void refreshRequested();
     void settingsRequested();
@@ -35,7 +42,6 @@ Q_SIGNALS:
 private:
     [[nodiscard]] StatusItemState state(Instant now) const;
     [[nodiscard]] QString meetIndicator() const;
-    [[nodiscard]] std::optional<Meeting> nextMeeting(Instant now) const;
     void scheduleNextUpdate(Instant now);
     void runMenuEntry(const QString &id);
 

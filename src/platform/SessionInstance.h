@@ -38,6 +38,17 @@ public:
     /// Has the running instance carry out `arguments` (verb first); the error is a description. Waits as long
     /// as the verb takes.
     [[nodiscard]] virtual QCoro::Task<std::expected<VerbResult, QString>> handOver(QStringList arguments) = 0;
+
+    /// Of the instance: tells all followers that its status may be another.
+    virtual void announceChange() = 0;
+    /// From now on changed() and busLost() come.
+    virtual void follow() = 0;
+
+Q_SIGNALS:
+    /// The instance announced a change, came or went.
+    void changed();
+    /// There is no session bus any more; nothing follows.
+    void busLost();
 };
 
 } // namespace kestrel

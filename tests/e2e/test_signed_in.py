@@ -1,12 +1,13 @@
 """From nothing to the agenda, a restart and a sign-out, with the real program, a real keyring and real HTTP."""
 
+import json
 import os
 import re
 import signal
 import subprocess
 import unittest
 
-from kestrel_session import Kestrel, SampleGoogle, wait_until
+from kestrel_session import BIN, Kestrel, SampleGoogle, wait_until
 
 
 def secrets_of(service):
@@ -73,6 +74,38 @@ class SignedIn(unittest.TestCase):
         self.assertEqual(kestrel.json("agenda"), [])
         self.assertIn("/revoke", [request["path"] for request in self.google.get("/requests")["requests"]])
         self.assertNotRegex(kestrel.log_text(), "(?i)bearer|refresh_token|access_token|code=")
+
+    def test_a_panel_follows_the_status_through_a_restart(self):
+        kestrel = self.kestrel
+
+        def follow(*form):
+            panel = subprocess.Popen([BIN / "kestrel", "status", "--follow", *form], env=kestrel.environment,
+                                     stdout=subprocess.PIPE, text=True)
+            self.addCleanup(panel.stdout.close)
+            self.addCleanup(panel.wait)
+            self.addCleanup(panel.kill)
+            return panel
+
+        panel = follow("--waybar")
+
+        def next_stage(*wanted):
+            line = json.loads(panel.stdout.readline())
+            while line["alt"] not in wanted:
+                line = json.loads(panel.stdout.readline())
+            self.assertEqual(line["class"], [line["alt"]])
+            return line
+
+        next_stage("stopped")
+        kestrel.start()
+        next_stage("signed-out")
+        kestrel.done("accounts", "add")
+        line = next_stage("later", "soon", "now")
+        self.assertNotEqual(line["text"], "")
+        self.assertGreater(len(line["tooltip"].splitlines()), 3)
+        self.assertTrue(json.loads(follow("--json").stdout.readline())["accounts"][0]["isSignedIn"])
+        self.assertIn(" · ", follow().stdout.readline())
+        kestrel.stop()
+        next_stage("stopped")
 
     def test_accounts_are_added_and_removed_without_a_running_kestrel(self):
         kestrel = self.kestrel

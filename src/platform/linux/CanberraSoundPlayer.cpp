@@ -1,12 +1,10 @@
 #include "platform/linux/CanberraSoundPlayer.h"
 #include "base/AppIdentifier.h"
 #include "base/Log.h"
-#include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QSaveFile>
-#include <QStandardPaths>
 #include <atomic>
 #include <canberra.h>
 #include <expected>
@@ -91,9 +89,8 @@ std::expected<void, QString> CanberraSoundPlayer::Output::play(const QString &na
     return std::unexpected(QString::fromUtf8(ca_strerror(error)));
 }
 
-CanberraSoundPlayer::CanberraSoundPlayer(QString cacheFolder)
-    : m_output(std::make_shared<Output>(
-          QCoreApplication::applicationDirPath() + u"/../share/kestrel/sounds"_s, std::move(cacheFolder)))
+CanberraSoundPlayer::CanberraSoundPlayer(QString installedFolder, QString cacheFolder)
+    : m_output(std::make_shared<Output>(std::move(installedFolder), std::move(cacheFolder)))
 {
 }
 
@@ -114,11 +111,6 @@ void CanberraSoundPlayer::play(const QString &name)
         qCWarning(lcAlerts) << "No sound:" << error.what();
         m_output->isBusy = false;
     }
-}
-
-QString CanberraSoundPlayer::defaultCacheFolder()
-{
-    return QStandardPaths::writableLocation(QStandardPaths::GenericCacheLocation) + u"/kestrel/sounds"_s;
 }
 
 } // namespace kestrel

@@ -10,14 +10,12 @@ namespace kestrel {
 class CanberraSoundPlayer final : public SoundPlayer
 {
 public:
-    /// Sounds that are not installed beside the program are written to `cacheFolder`, since the library reads
-    /// files only.
-    explicit CanberraSoundPlayer(QString cacheFolder = defaultCacheFolder());
+    /// Sounds that are not in `installedFolder` are written to `cacheFolder`, since the library reads files
+    /// only.
+    CanberraSoundPlayer(QString installedFolder, QString cacheFolder);
     ~CanberraSoundPlayer() override;
 
     void play(const QString &name) override;
-
-    [[nodiscard]] static QString defaultCacheFolder();
 
 private:
     struct Output;

@@ -4,7 +4,9 @@
 #include <QDBusConnectionInterface>
 #include <QDBusPendingCall>
 #include <QDBusReply>
+#include <QDBusServiceWatcher>
 #include <limits>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -39,7 +41,8 @@ SessionInstance::Claim DBusSessionInstance::claim(VerbHandler handler)
         return Claim::Unreachable;
     // The object stands before the name is taken: whoever finds the name finds someone who answers.
     m_handler = std::move(handler);
-    bus.registerObject(objectPath, this, QDBusConnection::ExportScriptableSlots);
+    bus.registerObject(objectPath, this,
+                       QDBusConnection::ExportScriptableSlots | QDBusConnection::ExportScriptableSignals);
     const auto reply = bus.interface()->registerService(m_busName, QDBusConnectionInterface::DontQueueService,
                                                         QDBusConnectionInterface::DontAllowReplacement);
     m_isOwner = reply.isValid() && reply.value() == QDBusConnectionInterface::ServiceRegistered;
@@ -68,6 +71,30 @@ QCoro::Task<std::expected<VerbResult, QString>> DBusSessionInstance::handOver(QS
     if (reply.signature() != "iss"_L1)
         co_return std::unexpected(u"The running Kestrel answered in a way that this one does not know."_s);
     co_return VerbResult { values[0].toInt(), values[1].toString(), values[2].toString() };
+}
+
+void DBusSessionInstance::announceChange()
+{
+    // what one turn of the event loop changes is one change
+    if (std::exchange(m_announces, true))
+        return;
+    QMetaObject::invokeMethod(
+        this,
+        [this] {
+            m_announces = false;
+            Q_EMIT StatusChanged();
+        },
+        Qt::QueuedConnection);
+}
+
+void DBusSessionInstance::follow()
+{
+    QDBusConnection bus = QDBusConnection::sessionBus();
+    bus.connect(m_busName, objectPath, interfaceName, u"StatusChanged"_s, this, SIGNAL(changed()));
+    bus.connect({}, u"/org/freedesktop/DBus/Local"_s, u"org.freedesktop.DBus.Local"_s, u"Disconnected"_s,
+                this, SIGNAL(busLost()));
+    auto *watcher = new QDBusServiceWatcher(m_busName, bus, QDBusServiceWatcher::WatchForOwnerChange, this);
+    connect(watcher, &QDBusServiceWatcher::serviceOwnerChanged, this, &SessionInstance::changed);
 }
 
 int DBusSessionInstance::Run(const QStringList &arguments, QString &, QString &)

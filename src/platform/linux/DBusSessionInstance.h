@@ -7,7 +7,8 @@
 namespace kestrel {
 
 /// One instance per session bus and bus name. It is reached at /app/kestrel/Kestrel through the method
-/// app.kestrel.Kestrel1.Run(as arguments) → (i exitCode, s output, s errors).
+/// app.kestrel.Kestrel1.Run(as arguments) → (i exitCode, s output, s errors), and tells of changes by the
+/// signal StatusChanged.
 class DBusSessionInstance final : public SessionInstance, protected QDBusContext
 {
     Q_OBJECT
@@ -18,10 +19,16 @@ public:
 
     [[nodiscard]] Claim claim(VerbHandler handler) override;
     [[nodiscard]] QCoro::Task<std::expected<VerbResult, QString>> handOver(QStringList arguments) override;
+    void announceChange() override;
+    void follow() override;
 
 public Q_SLOTS:
     /// On the bus only; the answer follows when the verb is done.
     Q_SCRIPTABLE int Run(const QStringList &arguments, QString &output, QString &errors);
+
+Q_SIGNALS:
+    /// On the bus only.
+    Q_SCRIPTABLE void StatusChanged();
 
 private:
     QCoro::Task<void> answer(QStringList arguments, QDBusConnection connection, QDBusMessage message);
@@ -29,6 +36,7 @@ private:
     QString m_busName;
     VerbHandler m_handler;
     bool m_isOwner = false;
+    bool m_announces = false;
 };
 
 } // namespace kestrel

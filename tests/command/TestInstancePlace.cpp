@@ -1,4 +1,4 @@
-#include "app/InstancePlace.h"
+#include "command/InstancePlace.h"
 #include <QDir>
 #include <QTemporaryDir>
 #include <QTest>

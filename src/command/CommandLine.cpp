@@ -1,4 +1,4 @@
-#include "app/CommandLine.h"
+#include "command/CommandLine.h"
 #include "hotkeys/HotkeyAction.h"
 #include <QCommandLineParser>
 #include <algorithm>
@@ -19,35 +19,42 @@ struct Verb
     int fewestArguments;
     int mostArguments;
     QLatin1StringView options; ///< separated by spaces
+    bool isForRunning = false; ///< nobody but a running Kestrel can carry it out
 };
 
 constexpr std::array verbs {
     Verb { "agenda"_L1, "agenda [--json]"_L1, "what is on now, next and later"_L1,
            "Asks the running Kestrel for the meetings that it knows, without reading the calendars again.\n"
            "--json prints an array of meetings with all their fields, by start."_L1,
-           0, 0, "json"_L1 },
-    Verb { "status"_L1, "status [--json]"_L1, "the next meeting, the accounts, the last refresh"_L1,
-           "Asks the running Kestrel how it is doing."_L1, 0, 0, "json"_L1 },
+           0, 0, "json"_L1, true },
+    Verb {
+        "status"_L1, "status [--json | --waybar] [--follow]"_L1,
+        "the next meeting, the accounts, the last refresh"_L1,
+        "Asks the running Kestrel how it is doing.\n"
+        "--waybar prints what a custom module of waybar reads.\n"
+        "--follow prints a line now and at every change, for panels: the countdown and the meeting, or with "
+        "--json\nor --waybar an object a line. It goes on when Kestrel ends and starts again."_L1,
+        0, 0, "json waybar follow"_L1, true },
     Verb { "refresh"_L1, "refresh"_L1, "read the calendars now"_L1,
-           "Has the running Kestrel read all calendars, and waits until it has."_L1, 0, 0, ""_L1 },
+           "Has the running Kestrel read all calendars, and waits until it has."_L1, 0, 0, ""_L1, true },
     Verb { "join"_L1, "join"_L1, "join the meeting that is on or about to start"_L1,
            "Opens the link of the meeting that starts within the lead time, else of one in progress, else of "
            "the "
            "next.\nWith none of them the agenda is shown, and the verb fails."_L1,
-           0, 0, ""_L1 },
+           0, 0, ""_L1, true },
     Verb { "dismiss"_L1, "dismiss"_L1, "close all alert cards"_L1,
-           "Closes every alert card on the screen."_L1, 0, 0, ""_L1 },
+           "Closes every alert card on the screen."_L1, 0, 0, ""_L1, true },
     Verb { "show"_L1, "show"_L1, "open the agenda"_L1,
-           "Opens the agenda on the screen of the running Kestrel."_L1, 0, 0, ""_L1 },
+           "Opens the agenda on the screen of the running Kestrel."_L1, 0, 0, ""_L1, true },
     Verb { "settings"_L1, "settings"_L1, "open the settings"_L1,
-           "Opens the settings window on the screen of the running Kestrel."_L1, 0, 0, ""_L1 },
+           "Opens the settings window on the screen of the running Kestrel."_L1, 0, 0, ""_L1, true },
     Verb {
         "action"_L1, "action NAME"_L1, "do what a global shortcut does"_L1,
         "For compositors that bind keys themselves. NAME is join, meetMute, meetVideo, meetHand, meetFocus,\n"
         "meetShareScreen, meetLeave, meetReactThumbs, meetReactHeart, meetReactParty, meetReactClap,\n"
         "meetReactLaugh, meetReactSurprise, meetReactSad, meetReactThinking, meetReactThumbsDown or\n"
         "meetReactLove. Without a Meet tab the agenda is shown."_L1,
-        1, 1, ""_L1 },
+        1, 1, ""_L1, true },
     Verb {
         "accounts"_L1, "accounts add | list [--json] | remove ACCOUNT"_L1, "sign in, list, sign out"_L1,
         "add opens Google's sign-in page in the browser and waits for it, two minutes at most.\n"
@@ -127,6 +134,8 @@ std::expected<CommandLine, QString> CommandLine::parse(const QStringList &argume
         { u"google-base"_s, {}, u"URL"_s },
         { u"secret-store"_s, {}, u"KIND"_s },
         { u"json"_s, {} },
+        { u"waybar"_s, {} },
+        { u"follow"_s, {} },
         { u"kestrel-just-installed"_s, {} },
         { u"now"_s, {}, u"INSTANT"_s },
         { u"account"_s, {}, u"ID"_s },
@@ -141,6 +150,10 @@ std::expected<CommandLine, QString> CommandLine::parse(const QStringList &argume
         line.verb = positional.takeFirst();
     line.arguments = positional;
     line.json = parser.isSet(u"json"_s);
+    line.waybar = parser.isSet(u"waybar"_s);
+    line.follow = parser.isSet(u"follow"_s);
+    if (line.json && line.waybar)
+        return std::unexpected(u"--json and --waybar exclude each other."_s);
     line.help = parser.isSet(u"help"_s);
     line.version = parser.isSet(u"version"_s);
     line.justInstalled = parser.isSet(u"kestrel-just-installed"_s);
@@ -159,7 +172,8 @@ std::expected<CommandLine, QString> CommandLine::parse(const QStringList &argume
         return std::unexpected(u"--secret-store is \"service\" or \"file\"."_s);
 
     QStringList verbOptions;
-    for (const QString &option : { u"json"_s, u"now"_s, u"account"_s, u"calendar"_s }) {
+    for (const QString &option :
+         { u"json"_s, u"waybar"_s, u"follow"_s, u"now"_s, u"account"_s, u"calendar"_s }) {
         if (parser.isSet(option))
             verbOptions.append(option);
     }
@@ -168,12 +182,22 @@ std::expected<CommandLine, QString> CommandLine::parse(const QStringList &argume
     return line;
 }
 
+bool CommandLine::isForRunningKestrel() const
+{
+    const Verb *row = findVerb(verb);
+    return row && row->isForRunning;
+}
+
 QStringList CommandLine::forHandOver() const
 {
     QStringList all { verb };
     all += arguments;
     if (json)
         all += u"--json"_s;
+    if (waybar)
+        all += u"--waybar"_s;
+    if (follow)
+        all += u"--follow"_s;
     return all;
 }
 

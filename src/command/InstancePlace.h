@@ -32,8 +32,11 @@ struct InstancePlace
                                                                        const QString &googleBase);
 };
 
-/// One of Kestrel's other programs: beside this one where it was built, below the same prefix where it is
-/// installed.
+/// One of Kestrel's programs: they lie side by side where they were built; where they are installed,
+/// `kestrel` in bin and the others in libexec/kestrel.
 [[nodiscard]] QString companionProgram(QLatin1StringView name);
+
+/// The folder that holds bin and share.
+[[nodiscard]] QString installPrefix();
 
 } // namespace kestrel

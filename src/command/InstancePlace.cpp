@@ -1,6 +1,5 @@
-#include "app/InstancePlace.h"
+#include "command/InstancePlace.h"
 #include "base/AppIdentifier.h"
-#include <QCoreApplication>
 #include <QCryptographicHash>
 #include <QDir>
 #include <QFile>
@@ -28,8 +27,7 @@ QString suffixOf(const QString &folder)
 /// With its .desktop file below the same prefix: a build tree must not start with the session.
 bool isInstalled()
 {
-    return QFileInfo::exists(QCoreApplication::applicationDirPath() + u"/../share/applications/"_s
-                             + AppIdentifier + u".desktop"_s);
+    return QFileInfo::exists(installPrefix() + u"/share/applications/"_s + AppIdentifier + u".desktop"_s);
 }
 
 /// Browsers inherit the variable and find the same folder.
@@ -131,12 +129,18 @@ std::expected<InstancePlace, QString> InstancePlace::resolve(const QString &data
 
 QString companionProgram(QLatin1StringView name)
 {
-    const QString here = QCoreApplication::applicationDirPath() + u'/';
-    for (const QString &folder : { here, here + u"../libexec/kestrel/"_s, here + u"../lib/kestrel/"_s }) {
-        if (QFileInfo(folder + name).isExecutable())
-            return QDir::cleanPath(folder + name);
+    // asked before there is an application object, too
+    const QString here = QFileInfo(QFile::symLinkTarget(u"/proc/self/exe"_s)).path() + u'/';
+    for (const auto folder : { ""_L1, "../libexec/kestrel/"_L1, "../../bin/"_L1 }) {
+        if (QFileInfo(here + folder + name).isExecutable())
+            return QDir::cleanPath(here + folder + name);
     }
     return here + name;
+}
+
+QString installPrefix()
+{
+    return QDir::cleanPath(QFileInfo(companionProgram("kestrel"_L1)).path() + u"/.."_s);
 }
 
 } // namespace kestrel

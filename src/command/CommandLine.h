@@ -20,6 +20,8 @@ struct CommandLine
     QString verb; ///< empty: run Kestrel
     QStringList arguments; ///< what stands behind the verb
     bool json = false;
+    bool waybar = false; ///< as waybar's custom modules read it
+    bool follow = false; ///< a line, and another at every change
     bool help = false;
     bool version = false;
     bool justInstalled = false; ///< this start is the first of a fresh installation
@@ -32,6 +34,9 @@ struct CommandLine
 
     /// The error is a sentence for stderr.
     [[nodiscard]] static std::expected<CommandLine, QString> parse(const QStringList &arguments);
+
+    /// Only a running Kestrel can carry it out.
+    [[nodiscard]] bool isForRunningKestrel() const;
 
     /// Verb, its arguments and its options, as a running instance takes them over.
     [[nodiscard]] QStringList forHandOver() const;
