@@ -1,4 +1,6 @@
 #include "app/AgendaText.h"
+#include "app/StatusText.h"
+#include <QJsonArray>
 #include <QTest>
 
 using namespace kestrel;
@@ -74,6 +76,24 @@ private Q_SLOTS:
 
         for (const QChar character : meetingsText({ meeting }))
             QVERIFY(character == u'\n' || character.category() != QChar::Other_Control);
+    }
+
+    void waybarGetsClassesAndMarkupWithoutWhatIsMarkup()
+    {
+        PanelStatus status;
+        status.stage = PanelStatus::Stage::Soon;
+        status.label = u"in 4 min"_s;
+        status.title = u"R&D <b>"_s;
+        status.agenda = { u"12:04  R&D <b>"_s };
+        status.call = { .inMeeting = true, .micOn = false, .handRaised = true };
+
+        const QJsonObject object = waybarObject(status);
+
+        QCOMPARE(object["text"_L1], u"in 4 min"_s);
+        QCOMPARE(object["alt"_L1], u"soon"_s);
+        QCOMPARE(object["tooltip"_L1], u"12:04  R&amp;D &lt;b&gt;"_s);
+        QCOMPARE(object["class"_L1], (QJsonArray { u"soon"_s, u"in-call"_s, u"muted"_s, u"hand-raised"_s }));
+        QCOMPARE(panelLine(status), u"in 4 min · R&D <b>"_s);
     }
 };
 
