@@ -114,3 +114,6 @@ QCoro::Task<void> DBusSessionInstance::answer(QStringList arguments, QDBusConnec
 }
 
 } // namespace kestrel
+
+// apart from all others, so that the thin program gets none of them
+#include "moc_DBusSessionInstance.cpp"
