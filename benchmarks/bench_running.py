@@ -2,7 +2,7 @@
 """The running program from outside: time to the status item, memory, wake-ups. Prints each figure beside its budget.
 
 Runs on a display and a bus of its own (tests/support/with-display), with a tray host that only notes who registers.
-KESTREL_BIN names the build's bin folder. The parts can be named: start memory wake-ups."""
+KESTREL_BIN names the build's bin folder. The parts can be named: start status memory wake-ups."""
 import os
 import pathlib
 import statistics
@@ -75,6 +75,12 @@ def milliseconds_to_item(watcher, command, environment=None):
     return 1000 * (watcher.at - before)
 
 
+def milliseconds_of(command, environment):
+    before = time.monotonic()
+    subprocess.run(command, env=environment, stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, check=True)
+    return 1000 * (time.monotonic() - before)
+
+
 def wake_ups(pid):
     """How often any of its threads was given the processor after it had waited."""
     total = 0
@@ -111,7 +117,7 @@ def idle_wake_ups(pid, google, minutes):
 
 
 def main():
-    parts = set(sys.argv[1:]) or {"start", "memory", "wake-ups"}
+    parts = set(sys.argv[1:]) or {"start", "status", "memory", "wake-ups"}
     dbus.mainloop.glib.DBusGMainLoop(set_as_default=True)
     watcher = Watcher(dbus.SessionBus())
     threading.Thread(target=GLib.MainLoop().run, daemon=True).start()
@@ -128,6 +134,11 @@ def main():
         kestrel.start()
         wait_until(watcher.registered.is_set, "the status item")
         print(f"{'the running program':<58}{'measured':>15}{'budget':>10}  ratio")
+        if "status" in parts:
+            calls = sorted(milliseconds_of([str(BIN / "kestrel"), *kestrel.options, "status"], kestrel.environment)
+                           for _ in range(50))
+            print(f"  kestrel status, 50 calls: shortest {calls[0]:.1f} ms, longest {calls[-1]:.1f} ms")
+            line("kestrel status, from start to exit, median", statistics.median(calls), "ms", 30)
         if parts & {"memory", "wake-ups"}:
             time.sleep(5)
         if "memory" in parts:
