@@ -1,5 +1,6 @@
 """The real program against the sample Google, in folders of its own. KESTREL_BIN names the build's bin folder."""
 
+import contextlib
 import json
 import os
 import pathlib
@@ -7,6 +8,7 @@ import signal
 import subprocess
 import tempfile
 import time
+import urllib.error
 import urllib.request
 
 BIN = pathlib.Path(os.environ["KESTREL_BIN"])
@@ -37,6 +39,16 @@ class SampleGoogle:
                                          headers={"Content-Type": "application/json"})
         urllib.request.urlopen(request, timeout=10).read()
 
+    def add_event(self, **event):
+        self.post("/calendar-events", {"account": "robin.sample@example.com", "calendar": "primary", "event": event})
+
+    def remove_sample_events(self):
+        """Of that calendar: only added ones are left."""
+        for number in range(1, 30):
+            with contextlib.suppress(urllib.error.HTTPError):  # it is another calendar's, or there is none
+                self.post("/calendar-events", {"account": "robin.sample@example.com", "calendar": "primary",
+                                               "remove": f"sample{number:03}"})
+
     def stop(self):
         self.process.stdin.close()
         self.process.wait(10)
@@ -46,7 +58,8 @@ class SampleGoogle:
 class Kestrel:
     """One data folder, and at most one running Kestrel in it."""
 
-    def __init__(self, google, *options, browser="kestrel-sample-consent"):
+    def __init__(self, google, *options, browser="kestrel-sample-consent", program=BIN / "kestrel"):
+        self.program = program
         self.folder = tempfile.TemporaryDirectory(prefix="kestrel-e2e-")
         self.data = pathlib.Path(self.folder.name) / "data"
         self.options = options
@@ -56,7 +69,7 @@ class Kestrel:
         self.log = open(pathlib.Path(self.folder.name) / "log", "w+")
 
     def start(self):
-        self.process = subprocess.Popen([BIN / "kestrel", *self.options], env=self.environment,
+        self.process = subprocess.Popen([self.program, *self.options], env=self.environment,
                                         stdin=subprocess.DEVNULL, stdout=self.log, stderr=self.log)
         wait_until(lambda: self.verb("status").returncode == 0 or self.process.poll() is not None, "Kestrel answers")
         assert self.process.poll() is None, self.log_text()
@@ -76,7 +89,7 @@ class Kestrel:
         self.folder.cleanup()
 
     def verb(self, *arguments, timeout=60):
-        return subprocess.run([BIN / "kestrel", *self.options, *arguments], env=self.environment,
+        return subprocess.run([self.program, *self.options, *arguments], env=self.environment,
                               capture_output=True, text=True, timeout=timeout)
 
     def done(self, *arguments):

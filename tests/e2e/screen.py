@@ -1,6 +1,11 @@
 """What is on the display and the bus that a test runs on."""
 
+import os
+import re
 import subprocess
+import time
+
+from kestrel_session import wait_until
 
 
 def has_owner(name):
@@ -26,3 +31,34 @@ def geometry(window):
 
 def xdotool(*words):
     subprocess.run(["xdotool", *map(str, words)], check=True, timeout=60)
+
+
+def item_property(name):
+    """A property of the registered status item, read as a panel reads it."""
+    items = subprocess.run(["gdbus", "call", "--session", "--dest", "org.kde.StatusNotifierWatcher", "--object-path",
+                            "/StatusNotifierWatcher", "--method", "org.freedesktop.DBus.Properties.Get",
+                            "org.kde.StatusNotifierWatcher", "RegisteredStatusNotifierItems"],
+                           capture_output=True, text=True, timeout=20).stdout
+    found = re.search(r"'(:[0-9.]+)", items)
+    if not found:
+        return None
+    answer = subprocess.run(["gdbus", "call", "--session", "--dest", found[1], "--object-path", "/StatusNotifierItem",
+                             "--method", "org.freedesktop.DBus.Properties.Get", "org.kde.StatusNotifierItem", name],
+                            capture_output=True, text=True, timeout=20)
+    value = re.search(r"<'(.*)'>", answer.stdout)
+    return value[1] if value else None
+
+
+def start_panel(test):
+    """A real panel with its tray for the rest of the test, or until the function that is returned is called."""
+    environment = dict(os.environ, GSETTINGS_BACKEND="memory", NO_AT_BRIDGE="1", GTK_A11Y="none", XDG_CURRENT_DESKTOP="MATE")
+    panel = subprocess.Popen(["mate-panel"], env=environment, stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL,
+                             stderr=subprocess.DEVNULL)
+
+    def end():
+        panel.terminate()
+        panel.wait(20)
+    test.addCleanup(end)
+    wait_until(lambda: has_owner("org.kde.StatusNotifierWatcher"), "the panel's tray")
+    time.sleep(2)  # its other applets draw themselves
+    return end
