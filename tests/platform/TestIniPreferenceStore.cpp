@@ -204,13 +204,21 @@ private Q_SLOTS:
         QCOMPARE(store.integer(u"k"_s), 1);
     }
 
+    void aLockWithoutAnOwnerIsNoObstacle_data()
+    {
+        QTest::addColumn<int>("age"); // in seconds
+        QTest::newRow("old") << 1;
+        QTest::newRow("from before the clock was set back") << -24 * 3600;
+    }
+
     void aLockWithoutAnOwnerIsNoObstacle()
     {
+        QFETCH(const int, age);
         put(path(u"kestrel.ini.lock"_s), ""); // its process was killed before it wrote its name
         QFile lock(path(u"kestrel.ini.lock"_s));
         QVERIFY(lock.open(QIODevice::ReadWrite));
         QVERIFY(
-            lock.setFileTime(QDateTime::currentDateTime().addSecs(-1), QFileDevice::FileModificationTime));
+            lock.setFileTime(QDateTime::currentDateTime().addSecs(-age), QFileDevice::FileModificationTime));
         lock.close();
         IniPreferenceStore store(path(), 1ms);
         const QSignalSpy failed(&store, &PreferenceStore::writeFailed);

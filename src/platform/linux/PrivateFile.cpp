@@ -6,6 +6,7 @@
 #include <QScopeGuard>
 #include <algorithm>
 #include <cerrno>
+#include <cstdlib>
 #include <cstring>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -87,8 +88,9 @@ std::expected<std::unique_ptr<QLockFile>, QString> lockFile(const QString &path,
     // A process that is killed before it has written its name into its lock leaves one that QLockFile
     // respects for half a minute.
     const QFileInfo entry(lock->fileName());
+    // one from the future was left before the clock was set back
     if (entry.exists() && entry.size() == 0
-        && entry.lastModified().msecsTo(QDateTime::currentDateTime()) > 200)
+        && std::abs(entry.lastModified().msecsTo(QDateTime::currentDateTime())) > 200)
         QFile::remove(lock->fileName());
     if (lock->tryLock(patience))
         return lock;
