@@ -1,6 +1,7 @@
 #include "base/Instant.h"
 #include <QDateTime>
 #include <QTimeZone>
+#include <algorithm>
 
 using namespace std::chrono;
 
@@ -32,7 +33,9 @@ bool readCharacter(QStringView text, qsizetype &position, char16_t expected)
 
 milliseconds secondsSpan(double seconds)
 {
-    return duration_cast<milliseconds>(duration<double>(seconds));
+    // a span beyond a thousand years is somebody's slip, and would leave the range of what it is added to
+    constexpr double most = 1000.0 * 366 * 24 * 3600;
+    return duration_cast<milliseconds>(duration<double>(std::clamp(seconds, -most, most)));
 }
 
 QString toInternetDateTime(Instant instant)

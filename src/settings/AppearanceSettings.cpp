@@ -51,8 +51,8 @@ Meeting AppearanceSettings::sampleMeeting() const
     meeting.title = qtTrId("settings.preview.meeting");
     meeting.location = qtTrId("settings.preview.location");
     // cards come at this time; a countdown that has just begun says the whole number
-    meeting.start =
-        m_clock.now() + std::chrono::minutes(std::max<qint64>(m_preferences.leadTimeMinutes(), 1));
+    meeting.start = m_clock.now()
+        + secondsSpan(60 * static_cast<double>(std::max<qint64>(m_preferences.leadTimeMinutes(), 1)));
     meeting.end = meeting.start + std::chrono::minutes(30);
     meeting.meetingURL = QUrl(u"https://meet.google.com/sam-plec-all"_s);
     meeting.platform = MeetingPlatform::Kind::GoogleMeet;
