@@ -244,6 +244,14 @@ Afterwards, “kestrel browser status” in a terminal says whether everything i
         <source>position.top_right</source>
         <translation>Top right</translation>
     </message>
+    <message id="preferences.unsaved.message %@">
+        <source>preferences.unsaved.message %@</source>
+        <translation>%1 could not be written: the disk is full, or the file or its folder is write-protected. Changes are not kept. Make room or allow writing there, then make them again.</translation>
+    </message>
+    <message id="preferences.unsaved.title">
+        <source>preferences.unsaved.title</source>
+        <translation>Kestrel cannot save its settings</translation>
+    </message>
     <message id="relative.days_ago %n" numerus="yes">
         <source>relative.days_ago %n</source>
         <translation>

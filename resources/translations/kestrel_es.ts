@@ -244,6 +244,14 @@ Después, «kestrel browser status» en un terminal te dirá si todo está listo
         <source>position.top_right</source>
         <translation>Arriba a la derecha</translation>
     </message>
+    <message id="preferences.unsaved.message %@">
+        <source>preferences.unsaved.message %@</source>
+        <translation>No se ha podido escribir en %1: el disco está lleno, o el archivo o su carpeta están protegidos contra escritura. Los cambios no se conservan. Libera espacio o permite escribir ahí y vuelve a hacerlos.</translation>
+    </message>
+    <message id="preferences.unsaved.title">
+        <source>preferences.unsaved.title</source>
+        <translation>Kestrel no puede guardar sus ajustes</translation>
+    </message>
     <message id="relative.days_ago %n" numerus="yes">
         <source>relative.days_ago %n</source>
         <translation>

@@ -22,6 +22,7 @@ namespace kestrel {
 namespace {
 
 constexpr auto firstRunKey = "popover.hasShownInitialAutoOpen.v1"_L1;
+constexpr auto unsavedKey = "preferences.unsaved"_L1;
 constexpr auto saidTrayIsMissingKey = "statusItem.saidTrayIsMissing.v1"_L1;
 
 // the linker drops what nobody names
@@ -70,6 +71,9 @@ AppDelegate::AppDelegate(PreferenceStore &preferenceStore, const AuthServices &s
             [this, &notifications = desktop.notifications](const QString &message) {
                 sayTrayIsMissing(message, notifications);
             });
+
+    connect(&preferences, &Preferences::unsavedInChanged, this,
+            [this, &notifications = desktop.notifications] { sayWhatIsUnsaved(notifications); });
 
     showOnFirstRun(start.isJustInstalled);
     m_bridge.onCommand = [this](HotkeyAction action) { m_meetControls.dispatch(action); };
@@ -162,6 +166,16 @@ void AppDelegate::sayTrayIsMissing(const QString &message, Notifications &notifi
     notifications.show(
         { .key = saidTrayIsMissingKey, .title = u"Kestrel"_s, .text = message, .actions = {} });
     m_preferenceStore.setBoolean(saidTrayIsMissingKey, true);
+}
+
+void AppDelegate::sayWhatIsUnsaved(Notifications &notifications)
+{
+    const QString text = m_settings.unsavedText();
+    if (text.isEmpty())
+        notifications.close(unsavedKey);
+    else
+        notifications.show(
+            { .key = unsavedKey, .title = qtTrId("preferences.unsaved.title"), .text = text, .actions = {} });
 }
 
 void AppDelegate::showOnFirstRun(bool isJustInstalled)

@@ -62,6 +62,8 @@ private:
     void applyPreferencesLater();
     void broadcastLater();
     void showOnFirstRun(bool isJustInstalled);
+    /// Once, until settings could be stored again.
+    void sayWhatIsUnsaved(Notifications &notifications);
     /// Once per person, not at every login.
     void sayTrayIsMissing(const QString &message, Notifications &notifications);
 

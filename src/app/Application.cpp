@@ -42,7 +42,11 @@ Application::Application(const CommandLine &line, InstancePlace place, GoogleCli
     QObject::connect(m_preferenceStore.get(), &PreferenceStore::changedElsewhere, m_preferenceStore.get(),
                      [this] { followLanguage(); });
     QObject::connect(m_preferenceStore.get(), &PreferenceStore::writeFailed, m_preferenceStore.get(),
-                     [](const QString &message) { qCWarning(lcApp).noquote() << message; });
+                     [](const QString &path, const QString &reason) {
+                         qCWarning(lcApp).noquote().nospace()
+                             << "The settings could not be saved in " << path << ": " << errorForLog(reason)
+                             << ". What was to be saved stays as it was.";
+                     });
 }
 
 Application::~Application() = default;

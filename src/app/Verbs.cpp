@@ -187,7 +187,15 @@ QCoro::Task<VerbResult> Verbs::addAccount()
         co_return failed(ExitCode::Failed,
                          description(account.error()) + (keychain ? adviceOn(*keychain) : QString()));
     }
-    co_return done(u"Signed in: %1 (%2)\n"_s.arg(accountName(*account), account->id));
+    const QString done = u"Signed in: %1 (%2)\n"_s.arg(accountName(*account), account->id);
+    if (!m_registry.isSaved()) {
+        co_return {
+            ExitCode::Failed, done,
+            u"The account could not be saved, perhaps because the disk is full. It is forgotten when this "
+            "Kestrel ends, unless something could be saved before.\n"_s
+        };
+    }
+    co_return kestrel::done(done);
 }
 
 VerbResult Verbs::listAccounts(bool json) const

@@ -21,6 +21,12 @@ AccountRegistry::AccountRegistry(PreferenceStore &preferenceStore, QObject *pare
     , m_accounts(stored().value_or(QList<CalendarAccount>()))
 {
     connect(&m_preferenceStore, &PreferenceStore::changedElsewhere, this, &AccountRegistry::loadAgain);
+    connect(&m_preferenceStore, &PreferenceStore::writeFailed, this,
+            [this] { m_isSaved = m_isSaved && !m_isSaving; });
+    connect(&m_preferenceStore, &PreferenceStore::stored, this, [this] {
+        if (!m_isSaved && !m_isSaving)
+            save();
+    });
 }
 
 QList<CalendarAccount> AccountRegistry::accounts(const QString &providerID) const
@@ -93,10 +99,17 @@ void AccountRegistry::loadAgain()
 void AccountRegistry::announceAndSave()
 {
     Q_EMIT accountsChanged();
+    save();
+}
+
+void AccountRegistry::save()
+{
     QJsonArray array;
     for (const CalendarAccount &account : std::as_const(m_accounts))
         array.append(account.toJson());
+    m_isSaving = m_isSaved = true;
     m_preferenceStore.setData(defaultsKey, QJsonDocument(array).toJson(QJsonDocument::Compact));
+    m_isSaving = false;
 }
 
 } // namespace kestrel

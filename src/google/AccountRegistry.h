@@ -25,6 +25,10 @@ public:
     /// The first account with the identifier.
     [[nodiscard]] std::optional<CalendarAccount> account(const QString &id) const;
 
+    /// Whether the list will be there at the next start: not when it could not be stored and nothing could be
+    /// since.
+    [[nodiscard]] bool isSaved() const { return m_isSaved; }
+
     void add(const CalendarAccount &account);
     void remove(const QString &id);
     /// Edits the first account with the identifier; does and saves nothing when there is none.
@@ -38,9 +42,12 @@ private:
     [[nodiscard]] std::optional<QList<CalendarAccount>> stored() const;
     void loadAgain();
     void announceAndSave();
+    void save();
 
     PreferenceStore &m_preferenceStore;
     QList<CalendarAccount> m_accounts;
+    bool m_isSaving = false;
+    bool m_isSaved = true;
 };
 
 } // namespace kestrel

@@ -32,8 +32,10 @@ public:
 Q_SIGNALS:
     /// Another process changed the store; every value may be a new one.
     void changedElsewhere();
-    /// A value could not be stored. `message` says what happened and what to do, ready to be shown.
-    void writeFailed(const QString &message);
+    /// A value could not be stored in the file at `path`; `reason` is a description for the log.
+    void writeFailed(const QString &path, const QString &reason);
+    /// A value was stored: whatever stood in the way is gone.
+    void stored();
 };
 
 } // namespace kestrel

@@ -5,6 +5,7 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <algorithm>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -69,6 +70,14 @@ Preferences::Preferences(PreferenceStore &store, QObject *parent)
     , m_store(store)
 {
     connect(&m_store, &PreferenceStore::changedElsewhere, this, &Preferences::changed);
+    connect(&m_store, &PreferenceStore::writeFailed, this, &Preferences::setUnsavedIn);
+    connect(&m_store, &PreferenceStore::stored, this, [this] { setUnsavedIn({}); });
+}
+
+void Preferences::setUnsavedIn(const QString &path)
+{
+    if (std::exchange(m_unsavedIn, path) != path)
+        Q_EMIT unsavedInChanged();
 }
 
 ScreenPosition Preferences::screenPosition() const

@@ -104,6 +104,9 @@ public:
 
     explicit Preferences(PreferenceStore &store, QObject *parent = nullptr);
 
+    /// The file that settings could not be stored in lately; empty once one could be again.
+    [[nodiscard]] QString unsavedIn() const { return m_unsavedIn; }
+
     /// The typed views: text that names no case reads as TopRight, Glass and System.
     [[nodiscard]] ScreenPosition screenPosition() const;
     void setScreenPosition(ScreenPosition position);
@@ -138,8 +141,10 @@ Q_SIGNALS:
     void willChange();
     /// A value was stored (or could not be: it reads as before then), or another process changed some.
     void changed();
+    void unsavedInChanged();
 
 private:
+    void setUnsavedIn(const QString &path);
     [[nodiscard]] qint64 read(QLatin1StringView key, qint64 fallback) const;
     [[nodiscard]] bool read(QLatin1StringView key, bool fallback) const;
     [[nodiscard]] QString read(QLatin1StringView key, const QString &fallback) const;
@@ -149,6 +154,7 @@ private:
     void storeSelections(const QMap<QString, QStringList> &selections);
 
     PreferenceStore &m_store;
+    QString m_unsavedIn;
 };
 
 #undef KESTREL_STORED_HOTKEY

@@ -1,4 +1,5 @@
 #include "settings/SettingsModel.h"
+#include "preferences/Preferences.h"
 #include <QCoreApplication>
 
 using namespace Qt::StringLiterals;
@@ -14,6 +15,7 @@ SettingsModel::SettingsModel(const SettingsServices &services)
     , m_meetings(services.preferences, services.dispatcher, services.keyMonitor, services.browser)
     , m_notifications(services.preferences, services.sounds)
 {
+    connect(&m_preferences, &Preferences::unsavedInChanged, this, &SettingsModel::unsavedTextChanged);
 }
 
 void SettingsModel::retranslate()
@@ -23,6 +25,7 @@ void SettingsModel::retranslate()
     m_accounts.retranslate();
     m_meetings.retranslate();
     Q_EMIT retranslated();
+    Q_EMIT unsavedTextChanged();
 }
 
 QStringList SettingsModel::tabTitles()
@@ -50,6 +53,12 @@ QString SettingsModel::versionText()
 {
     const QString version = QCoreApplication::applicationVersion();
     return qtTrId("about.version %@").arg(version.isEmpty() ? u"?"_s : version);
+}
+
+QString SettingsModel::unsavedText() const
+{
+    const QString path = m_preferences.unsavedIn();
+    return path.isEmpty() ? QString() : qtTrId("preferences.unsaved.message %@").arg(path);
 }
 
 } // namespace kestrel

@@ -41,6 +41,7 @@ class SettingsModel final : public QObject
     Q_PROPERTY(kestrel::MeetingsSettings *meetings READ meetings CONSTANT)
     Q_PROPERTY(kestrel::NotificationSettings *notifications READ notifications CONSTANT)
     Q_PROPERTY(QString versionText READ versionText NOTIFY retranslated)
+    Q_PROPERTY(QString unsavedText READ unsavedText NOTIFY unsavedTextChanged)
 public:
     enum class Tab { General, Appearance, Accounts, Meetings, Notifications, About };
     Q_ENUM(Tab)
@@ -62,9 +63,12 @@ public:
     [[nodiscard]] MeetingsSettings *meetings() { return &m_meetings; }
     [[nodiscard]] NotificationSettings *notifications() { return &m_notifications; }
     [[nodiscard]] static QString versionText();
+    /// That changes cannot be stored, and what to do about it; empty while they can.
+    [[nodiscard]] QString unsavedText() const;
 
 Q_SIGNALS:
     void retranslated();
+    void unsavedTextChanged();
     void tabChanged();
 
 private:

@@ -11,7 +11,7 @@ Rectangle {
     Accessible.name: Window.window?.title ?? ""
     Accessible.role: Accessible.Window
     color: Theme.surface
-    implicitHeight: strip.height + 1 + page.height + 2 * Metrics.space4
+    implicitHeight: strip.height + 1 + column.height + 2 * Metrics.space4
     implicitWidth: Math.max(600, strip.implicitWidth)
 
     // no shortcut: X11 makes another key of Tab with Shift, which Qt finds under none of its names
@@ -79,15 +79,26 @@ Rectangle {
         anchors.bottom: parent.bottom
         anchors.top: strip.bottom
         anchors.topMargin: 1
-        contentHeight: page.height + 2 * Metrics.space4
+        contentHeight: column.height + 2 * Metrics.space4
         width: parent.width
 
-        Loader {
-            id: page
+        Column {
+            id: column
 
+            spacing: Metrics.space4
             width: root.width - 2 * Metrics.space4
             x: Metrics.space4
             y: Metrics.space4
+
+            ErrorText {
+                text: root.settings.unsavedText
+                width: parent.width
+            }
+            Loader {
+                id: page
+
+                width: parent.width
+            }
         }
     }
 }

@@ -22,7 +22,7 @@ int main(int argc, char **argv)
     const QString &key = arguments.at(3);
     kestrel::IniPreferenceStore store(arguments.at(2));
     QObject::connect(&store, &kestrel::PreferenceStore::writeFailed,
-                     [](const QString &message) { std::puts(qPrintable(message)); });
+                     [](const QString &, const QString &reason) { std::puts(qPrintable(reason)); });
 
     if (mode == "count"_L1 || mode == "endless"_L1) {
         const qint64 count =

@@ -24,6 +24,7 @@ private Q_SLOTS:
     void calendarsThatCannotBeReadSayWhy();
     void rowsStayAsLongAsTheirAccounts();
     void anAccountThatCannotBeAddedOrRemovedSaysWhy();
+    void whatCannotBeSavedIsSaid();
     void theBrowsersStateIsASentence_data();
     void theBrowsersStateIsASentence();
     void theBrowserIsAskedOnlyWhileItIsSeen();
@@ -300,6 +301,21 @@ void TestSettingsModels::anAccountThatCannotBeAddedOrRemovedSaysWhy()
     QTRY_VERIFY(!desk.item(0)->isSigningOut());
     QVERIFY(!desk.item(0)->signOutError().isEmpty());
     QCOMPARE(accounts.rowCount(), 1);
+}
+
+void TestSettingsModels::whatCannotBeSavedIsSaid()
+{
+    SettingsDesk desk;
+    QSignalSpy changed(&desk.settings, &SettingsModel::unsavedTextChanged);
+    desk.store.failWrites = true;
+    desk.preferences.setLeadTimeMinutes(10);
+    desk.preferences.setLeadTimeMinutes(15);
+    QCOMPARE(changed.size(), 1);
+    QVERIFY(desk.settings.unsavedText().startsWith(u"/home/ann/kestrel.ini could not be written"));
+    desk.store.failWrites = false;
+    desk.preferences.setLeadTimeMinutes(10);
+    QCOMPARE(changed.size(), 2);
+    QCOMPARE(desk.settings.unsavedText(), QString());
 }
 
 void TestSettingsModels::theBrowsersStateIsASentence_data()

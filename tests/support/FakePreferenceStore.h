@@ -60,11 +60,12 @@ private:
     void write(const QString &key, const T &value)
     {
         if (failWrites) {
-            Q_EMIT writeFailed(QStringLiteral("No space left"));
+            Q_EMIT writeFailed(QStringLiteral("/home/ann/kestrel.ini"), QStringLiteral("No space left"));
             return;
         }
         ++writes;
         values.insert(key, QVariant::fromValue(value));
+        Q_EMIT stored();
     }
 };
 

@@ -1,7 +1,6 @@
 #include "platform/linux/IniPreferenceStore.h"
 #include "base/Log.h"
 #include "platform/linux/PrivateFile.h"
-#include <QDir>
 #include <QFileInfo>
 #include <chrono>
 
@@ -97,13 +96,11 @@ void IniPreferenceStore::write(const Edit &edit)
     }
     const auto changedMeanwhile = writeLocked(edit);
     if (!changedMeanwhile) {
-        Q_EMIT writeFailed(
-            u"The setting could not be saved in %1: %2. It stays as it was; check that the disk has space "
-            "and that the file and its folder can be written to, then set it again."_s.arg(
-                QDir::toNativeSeparators(m_path), changedMeanwhile.error()));
+        Q_EMIT writeFailed(m_path, changedMeanwhile.error());
         return;
     }
     watch();
+    Q_EMIT stored();
     if (*changedMeanwhile)
         Q_EMIT changedElsewhere();
 }
