@@ -28,6 +28,18 @@ std::unique_ptr<SecretStore> makeSecretStore(const QString &kind, const Instance
     return std::make_unique<SecretServiceStore>();
 }
 
+const auto busyMessage = u"Kestrel is just starting or ending; try again in a moment."_s;
+
+bool isStart(const QStringList &arguments)
+{
+    return arguments.value(0).isEmpty();
+}
+
+QCoro::Task<VerbResult> answered(VerbResult result)
+{
+    co_return result;
+}
+
 } // namespace
 
 Application::Application(const CommandLine &line, InstancePlace place, GoogleClient client, bool hasDisplay)
@@ -87,13 +99,17 @@ void Application::makeAccounts()
 int Application::run()
 {
     const auto claim =
-        m_instance->claim([this](QStringList arguments) { return m_verbs->run(std::move(arguments)); });
+        m_instance->claim([this](QStringList arguments) { return carriedOut(std::move(arguments)); });
     if (claim == SessionInstance::Claim::Taken)
         return runVerb();
     if (claim == SessionInstance::Claim::Unreachable)
         return printResult(failure(ExitCode::Failed, noBusMessage));
 
     const TerminationSignals signals;
+    QObject::connect(m_instance.get(), &SessionInstance::busLost, m_instance.get(), [] {
+        qCCritical(lcApp) << "The session bus is gone, and Kestrel ends with it";
+        QCoreApplication::exit(ExitCode::Failed);
+    });
     m_desktop = Desktop::make(m_hasDisplay, m_place);
     m_delegate = std::make_unique<AppDelegate>(
         *m_preferenceStore, services(), m_desktop->services(),
@@ -115,6 +131,15 @@ int Application::run()
     return exitCode;
 }
 
+QCoro::Task<VerbResult> Application::carriedOut(QStringList arguments)
+{
+    if (m_verbs)
+        return m_verbs->run(std::move(arguments));
+    // whoever is quick finds the name before the rest is there, and after the rest is gone
+    return isStart(arguments) ? answered({ ExitCode::Success, u"Kestrel is starting already.\n"_s, {} })
+                              : answered(failure(ExitCode::NotRunning, busyMessage));
+}
+
 int Application::runVerb()
 {
     return printWhenDone(verbResult());
@@ -128,7 +153,7 @@ QCoro::Task<VerbResult> Application::verbResult()
     // business.
     if (m_line.arguments[0] != "list"_L1) {
         const auto claim =
-            m_instance->claim([this](QStringList arguments) { return m_verbs->run(std::move(arguments)); });
+            m_instance->claim([this](QStringList arguments) { return carriedOut(std::move(arguments)); });
         if (claim == SessionInstance::Claim::Taken)
             co_return co_await handedOver(*m_instance, m_line.forHandOver());
         if (claim == SessionInstance::Claim::Unreachable)

@@ -31,6 +31,8 @@ public:
     [[nodiscard]] int runVerb();
 
 private:
+    /// A verb that another process has handed over.
+    [[nodiscard]] QCoro::Task<VerbResult> carriedOut(QStringList arguments);
     [[nodiscard]] QCoro::Task<VerbResult> verbResult();
     /// The accounts and their sign-in, without the refresh loop.
     void makeAccounts();

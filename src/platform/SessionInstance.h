@@ -36,12 +36,12 @@ public:
     [[nodiscard]] virtual Claim claim(VerbHandler handler) = 0;
 
     /// Has the running instance carry out `arguments` (verb first); the error is a description. Waits as long
-    /// as the verb takes.
+    /// as the verb takes, but not for whoever has the instance's name without being one.
     [[nodiscard]] virtual QCoro::Task<std::expected<VerbResult, QString>> handOver(QStringList arguments) = 0;
 
     /// Of the instance: tells all followers that its status may be another.
     virtual void announceChange() = 0;
-    /// From now on changed() and busLost() come.
+    /// From now on changed() and busLost() come; to the instance itself busLost() comes anyway.
     virtual void follow() = 0;
 
 Q_SIGNALS:
