@@ -328,9 +328,21 @@ Afterwards, “kestrel browser status” in a terminal says whether everything i
         <source>settings.accounts.primary</source>
         <translation>Primary</translation>
     </message>
+    <message id="settings.accounts.sign_in_again">
+        <source>settings.accounts.sign_in_again</source>
+        <translation>Sign in again</translation>
+    </message>
     <message id="settings.accounts.sign_out">
         <source>settings.accounts.sign_out</source>
         <translation>Sign out</translation>
+    </message>
+    <message id="settings.accounts.signed_out">
+        <source>settings.accounts.signed_out</source>
+        <translation>The sign-in has ended</translation>
+    </message>
+    <message id="settings.accounts.signed_out.help">
+        <source>settings.accounts.signed_out.help</source>
+        <translation>Google no longer accepts it. Until you sign in again, no meetings of this account are read; your choices are kept.</translation>
     </message>
     <message id="settings.accounts.signing_in">
         <source>settings.accounts.signing_in</source>
@@ -681,6 +693,18 @@ Afterwards, “kestrel browser status” in a terminal says whether everything i
     <message id="settings.window.title">
         <source>settings.window.title</source>
         <translation>Kestrel Settings</translation>
+    </message>
+    <message id="signed_out.action">
+        <source>signed_out.action</source>
+        <translation>Sign in again</translation>
+    </message>
+    <message id="signed_out.message %@">
+        <source>signed_out.message %@</source>
+        <translation>%1 is not signed in</translation>
+    </message>
+    <message id="signed_out.notice">
+        <source>signed_out.notice</source>
+        <translation>Its meetings are missing until you sign in again.</translation>
     </message>
     <message id="tray.unavailable.gnome">
         <source>tray.unavailable.gnome</source>

@@ -328,9 +328,21 @@ Después, «kestrel browser status» en un terminal te dirá si todo está listo
         <source>settings.accounts.primary</source>
         <translation>Principal</translation>
     </message>
+    <message id="settings.accounts.sign_in_again">
+        <source>settings.accounts.sign_in_again</source>
+        <translation>Volver a iniciar sesión</translation>
+    </message>
     <message id="settings.accounts.sign_out">
         <source>settings.accounts.sign_out</source>
         <translation>Cerrar sesión</translation>
+    </message>
+    <message id="settings.accounts.signed_out">
+        <source>settings.accounts.signed_out</source>
+        <translation>La sesión ha terminado</translation>
+    </message>
+    <message id="settings.accounts.signed_out.help">
+        <source>settings.accounts.signed_out.help</source>
+        <translation>Google ya no la acepta. Hasta que vuelvas a iniciar sesión no se leen las reuniones de esta cuenta; tus elecciones se conservan.</translation>
     </message>
     <message id="settings.accounts.signing_in">
         <source>settings.accounts.signing_in</source>
@@ -681,6 +693,18 @@ Después, «kestrel browser status» en un terminal te dirá si todo está listo
     <message id="settings.window.title">
         <source>settings.window.title</source>
         <translation>Ajustes de Kestrel</translation>
+    </message>
+    <message id="signed_out.action">
+        <source>signed_out.action</source>
+        <translation>Volver a iniciar sesión</translation>
+    </message>
+    <message id="signed_out.message %@">
+        <source>signed_out.message %@</source>
+        <translation>%1 no tiene la sesión iniciada</translation>
+    </message>
+    <message id="signed_out.notice">
+        <source>signed_out.notice</source>
+        <translation>Sus reuniones faltarán hasta que vuelvas a iniciar sesión.</translation>
     </message>
     <message id="tray.unavailable.gnome">
         <source>tray.unavailable.gnome</source>

@@ -22,6 +22,7 @@ namespace kestrel {
 namespace {
 
 constexpr auto firstRunKey = "popover.hasShownInitialAutoOpen.v1"_L1;
+constexpr auto signedOutKey = "signed_out"_L1;
 constexpr auto unsavedKey = "preferences.unsaved"_L1;
 constexpr auto saidTrayIsMissingKey = "statusItem.saidTrayIsMissing.v1"_L1;
 
@@ -64,6 +65,8 @@ AppDelegate::AppDelegate(PreferenceStore &preferenceStore, const AuthServices &s
     connect(&m_menuBar, &MenuBarController::quitRequested, this, &QCoreApplication::quit,
             Qt::QueuedConnection);
     connect(&m_menuBar, &MenuBarController::settingsRequested, this, &AppDelegate::showSettings);
+    connect(&m_menuBar, &MenuBarController::accountsRequested, this, &AppDelegate::showAccounts);
+    connect(&m_agenda, &AgendaModel::accountsRequested, this, &AppDelegate::showAccounts);
     connect(&m_agenda, &AgendaModel::settingsRequested, this, &AppDelegate::showSettings);
     connect(&m_agenda, &AgendaModel::quitRequested, this, &QCoreApplication::quit, Qt::QueuedConnection);
 
@@ -72,6 +75,12 @@ AppDelegate::AppDelegate(PreferenceStore &preferenceStore, const AuthServices &s
                 sayTrayIsMissing(message, notifications);
             });
 
+    connect(&m_environment, &RefreshControl::signedOutAccountsChanged, this,
+            [this, &notifications = desktop.notifications] { saySignedOut(notifications); });
+    connect(&desktop.notifications, &Notifications::actionChosen, this, [this](const QString &key) {
+        if (key == signedOutKey)
+            showAccounts();
+    });
     connect(&preferences, &Preferences::unsavedInChanged, this,
             [this, &notifications = desktop.notifications] { sayWhatIsUnsaved(notifications); });
 
@@ -168,6 +177,20 @@ void AppDelegate::sayTrayIsMissing(const QString &message, Notifications &notifi
     m_preferenceStore.setBoolean(saidTrayIsMissingKey, true);
 }
 
+void AppDelegate::saySignedOut(Notifications &notifications)
+{
+    const QStringList accounts = m_environment.signedOutAccounts();
+    m_menuBar.setSignedOut(accounts);
+    if (accounts.isEmpty()) {
+        notifications.close(signedOutKey);
+        return;
+    }
+    notifications.show({ .key = signedOutKey,
+                         .title = qtTrId("signed_out.message %@").arg(accounts.join(u", "_s)),
+                         .text = qtTrId("signed_out.notice"),
+                         .actions = { { u"accounts"_s, qtTrId("signed_out.action") } } });
+}
+
 void AppDelegate::sayWhatIsUnsaved(Notifications &notifications)
 {
     const QString text = m_settings.unsavedText();
@@ -207,6 +230,11 @@ void AppDelegate::retranslate()
     m_popover.retranslate();
     m_menuBar.updateTitle();
     m_settingsWindow.retranslate();
+}
+
+void AppDelegate::showAccounts()
+{
+    m_settingsWindow.show(SettingsModel::Tab::Accounts);
 }
 
 bool AppDelegate::showSettings()

@@ -57,11 +57,14 @@ Q_SIGNALS:
     void statusChanged();
 
 private:
+    void showAccounts();
     /// Brings the join shortcut, the Meet controls and the bridge in line with the preferences.
     void applyPreferences();
     void applyPreferencesLater();
     void broadcastLater();
     void showOnFirstRun(bool isJustInstalled);
+    /// Tells whoever is to sign in again, and takes that back when it is done.
+    void saySignedOut(Notifications &notifications);
     /// Once, until settings could be stored again.
     void sayWhatIsUnsaved(Notifications &notifications);
     /// Once per person, not at every login.

@@ -33,6 +33,10 @@ AppEnvironment::AppEnvironment(PreferenceStore &preferenceStore, const AuthServi
             Qt::QueuedConnection);
     QMetaObject::invokeMethod(this, &AppEnvironment::followAccounts, Qt::QueuedConnection);
 
+    // queued: an account that is signed out on purpose is gone by then
+    connect(&m_google, &GoogleProvider::signedInChanged, this, &AppEnvironment::followSignIns,
+            Qt::QueuedConnection);
+    connect(&m_google, &GoogleProvider::signedInAgain, this, &AppEnvironment::startRefresh);
     connect(&services.secrets, &SecretStore::opened, this, &AppEnvironment::startRefresh);
 
     // coarse to the second, so that it can share its wake-ups; the 5 % of the default would be three seconds
@@ -111,7 +115,19 @@ void AppEnvironment::followAccounts()
     }
     for (const QString &accountID : std::as_const(stale))
         m_store.removeMeetings(accountID);
+    followSignIns();
     startRefresh();
+}
+
+void AppEnvironment::followSignIns()
+{
+    QStringList signedOut;
+    for (const CalendarAccount &account : m_registry.accounts(GoogleProvider::providerID)) {
+        if (m_google.oauth(account.id).isSignedOut())
+            signedOut.append(account.email.value_or(account.displayName));
+    }
+    if (std::exchange(m_signedOut, signedOut) != signedOut)
+        Q_EMIT signedOutAccountsChanged();
 }
 
 void AppEnvironment::setRefreshing(bool isRefreshing)

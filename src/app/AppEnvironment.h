@@ -51,12 +51,14 @@ public:
     /// Fetches every account's meetings of the coming day. Does not mind another refresh that is under way.
     [[nodiscard]] QCoro::Task<void> refresh();
     void startRefresh() override;
+    [[nodiscard]] QStringList signedOutAccounts() const override { return m_signedOut; }
 
 private:
     enum class FetchOutcome { Stored, Superseded };
 
     [[nodiscard]] QCoro::Task<FetchOutcome> refreshAccount(QString accountID, Instant from, Instant to);
     void followAccounts();
+    void followSignIns();
     void setRefreshing(bool isRefreshing);
     void setLastRefresh(Instant instant);
 
@@ -71,6 +73,7 @@ private:
     MeetState m_meetState;
     bool m_isRefreshing = false;
     std::optional<Instant> m_lastRefresh;
+    QStringList m_signedOut;
     QTimer m_fetchTimer { this };
 };
 

@@ -40,7 +40,7 @@ QString countOf(qsizetype count, QLatin1StringView one, QLatin1StringView many)
     return QString::number(count) + u' ' + (count == 1 ? one : many);
 }
 
-/// What a person can do about a failed sign-in or sign-out; empty when the error says it all.
+/// What a person can do about a failed sign-in or sign-out.
 QString adviceOn(const KeychainError &error)
 {
     switch (static_cast<SecretStatus>(error.status)) {
@@ -52,8 +52,14 @@ QString adviceOn(const KeychainError &error)
     case SecretStatus::Dismissed:
         return u"\nThe keyring is locked. Unlock it, and try again."_s;
     default:
-        return {};
+        return u"\nThe place where tokens are kept could not be read or written; Kestrel's log says why."_s;
     }
+}
+
+VerbResult failed(const AuthError &error)
+{
+    const auto *keychain = std::get_if<KeychainError>(&error);
+    return failed(ExitCode::Failed, description(error) + (keychain ? adviceOn(*keychain) : QString()));
 }
 
 } // namespace
@@ -81,6 +87,8 @@ QCoro::Task<VerbResult> Verbs::run(QStringList arguments)
             co_return co_await addAccount();
         if (line->arguments[0] == "remove"_L1)
             co_return co_await removeAccount(line->arguments[1]);
+        if (line->arguments[0] == "sign-in"_L1)
+            co_return co_await signInAgain(line->arguments[1]);
         co_return listAccounts(line->json);
     }
     if (!m_environment)
@@ -116,7 +124,20 @@ VerbResult Verbs::agenda(bool json) const
         return done(u"No account is connected. Sign in with: kestrel accounts add\n"_s);
     if (!m_environment->lastRefresh())
         return done(u"The calendars have not been read yet.\n"_s);
-    return done(agendaText(store, m_environment->clock().now()));
+    return done(agendaText(store, m_environment->clock().now()) + signedOutText());
+}
+
+QString Verbs::signedOutText() const
+{
+    QString text;
+    for (const CalendarAccount &account : m_registry.accounts()) {
+        if (m_google.oauth(account.id).isSignedOut()) {
+            text +=
+                u"%1 is not signed in, and its meetings are missing. Sign in again with: kestrel accounts "
+                "sign-in %2\n"_s.arg(accountName(account), account.id);
+        }
+    }
+    return text;
 }
 
 VerbResult Verbs::status(const CommandLine &line) const
@@ -182,11 +203,8 @@ QCoro::Task<VerbResult> Verbs::addAccount()
     if (!m_missingClient.isEmpty())
         co_return failed(ExitCode::Failed, m_missingClient);
     const auto account = co_await m_google.signIn();
-    if (!account) {
-        const auto *keychain = std::get_if<KeychainError>(&account.error());
-        co_return failed(ExitCode::Failed,
-                         description(account.error()) + (keychain ? adviceOn(*keychain) : QString()));
-    }
+    if (!account)
+        co_return failed(account.error());
     const QString done = u"Signed in: %1 (%2)\n"_s.arg(accountName(*account), account->id);
     if (!m_registry.isSaved()) {
         co_return {
@@ -196,6 +214,17 @@ QCoro::Task<VerbResult> Verbs::addAccount()
         };
     }
     co_return kestrel::done(done);
+}
+
+QCoro::Task<VerbResult> Verbs::signInAgain(QString name)
+{
+    if (!m_missingClient.isEmpty())
+        co_return failed(ExitCode::Failed, m_missingClient);
+    const auto accountID = accountCalled(name);
+    if (!accountID)
+        co_return failed(ExitCode::Failed, accountID.error());
+    const auto signedIn = co_await m_google.signInAgain(*accountID);
+    co_return signedIn ? done(u"Signed in: %1\n"_s.arg(name)) : failed(signedIn.error());
 }
 
 VerbResult Verbs::listAccounts(bool json) const
@@ -211,7 +240,7 @@ VerbResult Verbs::listAccounts(bool json) const
     return done(text.isEmpty() ? u"No account is connected. Sign in with: kestrel accounts add\n"_s : text);
 }
 
-QCoro::Task<VerbResult> Verbs::removeAccount(QString name)
+std::expected<QString, QString> Verbs::accountCalled(const QString &name) const
 {
     QStringList ids;
     for (const CalendarAccount &account : m_registry.accounts()) {
@@ -219,13 +248,19 @@ QCoro::Task<VerbResult> Verbs::removeAccount(QString name)
             ids.append(account.id);
     }
     if (ids.isEmpty())
-        co_return failed(ExitCode::Failed,
-                         u"No account is called \"%1\". kestrel accounts list shows them."_s.arg(name));
+        return std::unexpected(u"No account is called \"%1\". kestrel accounts list shows them."_s.arg(name));
     // The same person may be signed in twice under one address.
     if (ids.size() > 1)
-        co_return failed(ExitCode::Failed,
-                         u"Several accounts are called \"%1\"; give the identifier."_s.arg(name));
-    const auto signedOut = co_await m_google.signOut(ids.first());
+        return std::unexpected(u"Several accounts are called \"%1\"; give the identifier."_s.arg(name));
+    return ids.first();
+}
+
+QCoro::Task<VerbResult> Verbs::removeAccount(QString name)
+{
+    const auto accountID = accountCalled(name);
+    if (!accountID)
+        co_return failed(ExitCode::Failed, accountID.error());
+    const auto signedOut = co_await m_google.signOut(*accountID);
     if (!signedOut)
         co_return failed(ExitCode::Failed, signedOut.error().description() + adviceOn(signedOut.error()));
     co_return done(u"Signed out: %1\n"_s.arg(name));

@@ -3,6 +3,7 @@
 #include "platform/SessionInstance.h"
 #include <QCoro/QCoroTask>
 #include <QString>
+#include <expected>
 
 namespace kestrel {
 
@@ -38,6 +39,11 @@ private:
     [[nodiscard]] QCoro::Task<VerbResult> addAccount();
     [[nodiscard]] VerbResult listAccounts(bool json) const;
     [[nodiscard]] QCoro::Task<VerbResult> removeAccount(QString account);
+    [[nodiscard]] QCoro::Task<VerbResult> signInAgain(QString account);
+    /// The identifier of the one account with that identifier or address; the error is a sentence.
+    [[nodiscard]] std::expected<QString, QString> accountCalled(const QString &name) const;
+    /// Whose meetings are missing, and what to do; empty when nobody's are.
+    [[nodiscard]] QString signedOutText() const;
 
     AccountRegistry &m_registry;
     GoogleProvider &m_google;

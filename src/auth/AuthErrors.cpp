@@ -20,6 +20,8 @@ QString OAuthError::description() const
         return u"Could not open browser"_s;
     case Kind::UserCancelled:
         return u"Sign-in cancelled"_s;
+    case Kind::OtherAccount:
+        return u"This is another account, which was not signed in: "_s + body;
     }
     Q_UNREACHABLE();
 }

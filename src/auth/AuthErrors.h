@@ -14,11 +14,12 @@ struct OAuthError
         StateMismatch,
         NotSignedIn,
         BrowserOpenFailed,
-        UserCancelled
+        UserCancelled,
+        OtherAccount ///< the person chose another one than the one that was to be signed in
     };
     Kind kind = Kind::NotSignedIn;
     int status = 0; ///< HTTP status of the two first kinds, -1 when the answer was not HTTP
-    QString body; ///< of the two first kinds
+    QString body; ///< of the two first kinds; of OtherAccount the address that was chosen
 
     [[nodiscard]] QString description() const;
     friend bool operator==(const OAuthError &, const OAuthError &) = default;

@@ -64,8 +64,8 @@ QCoro::Task<void> GoogleOAuth::readSignedIn(QPointer<GoogleOAuth> self)
     const auto token = co_await self->m_store.loadRefreshToken();
     if (!self || self->m_turn != turn)
         co_return;
-    if (token && !token->value_or(QString()).isEmpty())
-        self->setSignedIn(true);
+    if (token)
+        self->setState(token->value_or(QString()).isEmpty() ? State::SignedOut : State::SignedIn);
 }
 
 QCoro::Task<GoogleOAuth::Outcome> GoogleOAuth::signIn()
@@ -109,7 +109,7 @@ QCoro::Task<GoogleOAuth::Outcome> GoogleOAuth::signIn()
         co_return std::unexpected(notSignedIn());
 
     ++m_turn;
-    setSignedIn(true);
+    setState(State::SignedIn);
     qCInfo(lcAuth).noquote() << "Signed into Google account" << m_accountID;
     co_return Outcome();
 }
@@ -220,7 +220,7 @@ QCoro::Task<TokenRefresher::Result> GoogleOAuth::renewAccessToken(QPointer<Googl
             if (!self)
                 co_return std::unexpected(notSignedIn());
             ++self->m_turn;
-            self->setSignedIn(false);
+            self->setState(State::SignedOut);
         }
         co_return std::unexpected(refused);
     }
@@ -277,7 +277,7 @@ QCoro::Task<std::expected<void, KeychainError>> GoogleOAuth::signOut()
     if (self) {
         ++m_turn;
         setAccountEmail({});
-        setSignedIn(false);
+        setState(State::SignedOut);
         qCInfo(lcAuth).noquote() << "Signed out of Google account" << m_accountID;
     }
     co_return std::expected<void, KeychainError>();
@@ -311,9 +311,9 @@ AccessToken GoogleOAuth::accessTokenOf(const TokenResponse &response) const
     return { response.accessToken, m_services.clock.now() + std::chrono::seconds(lifetime) };
 }
 
-void GoogleOAuth::setSignedIn(bool isSignedIn)
+void GoogleOAuth::setState(State state)
 {
-    if (std::exchange(m_isSignedIn, isSignedIn) != isSignedIn)
+    if (std::exchange(m_state, state) != state)
         Q_EMIT isSignedInChanged();
 }
 

@@ -48,7 +48,10 @@ public:
     ~GoogleOAuth() override;
 
     [[nodiscard]] const QString &accountID() const { return m_accountID; }
-    [[nodiscard]] bool isSignedIn() const { return m_isSignedIn; }
+    [[nodiscard]] bool isSignedIn() const { return m_state == State::SignedIn; }
+    /// There is no token, or the server takes it no more: only a person can help. Not so while the secret
+    /// store has not answered, or cannot.
+    [[nodiscard]] bool isSignedOut() const { return m_state == State::SignedOut; }
     /// As the user-info endpoint reported it.
     [[nodiscard]] const std::optional<QString> &accountEmail() const { return m_accountEmail; }
 
@@ -64,10 +67,12 @@ public:
     [[nodiscard]] QCoro::Task<std::expected<void, KeychainError>> signOut();
 
 Q_SIGNALS:
+    /// Or isSignedOut.
     void isSignedInChanged();
     void accountEmailChanged();
 
 private:
+    enum class State { Unknown, SignedOut, SignedIn };
     using Outcome = std::expected<void, AuthError>;
     using FormItems = QList<std::pair<QByteArray, QString>>;
 
@@ -78,14 +83,14 @@ private:
     [[nodiscard]] HttpRequest request(QByteArray method, const QUrl &url) const;
     [[nodiscard]] HttpRequest tokenRequest(const FormItems &items) const;
     [[nodiscard]] AccessToken accessTokenOf(const TokenResponse &response) const;
-    void setSignedIn(bool isSignedIn);
+    void setState(State state);
     void setAccountEmail(const std::optional<QString> &email);
 
     QString m_accountID;
     AuthServices m_services;
     TokenStore m_store;
     TokenRefresher m_refresher;
-    bool m_isSignedIn = false;
+    State m_state = State::Unknown;
     int m_turn = 0; ///< counts sign-ins and sign-outs: what began before one must not undo it
     std::optional<QString> m_accountEmail;
 };

@@ -56,11 +56,13 @@ constexpr std::array verbs {
         "meetReactLove. Without a Meet tab the agenda is shown."_L1,
         1, 1, ""_L1, true },
     Verb {
-        "accounts"_L1, "accounts add | list [--json] | remove ACCOUNT"_L1, "sign in, list, sign out"_L1,
+        "accounts"_L1, "accounts add | list [--json] | sign-in ACCOUNT | remove ACCOUNT"_L1,
+        "sign in, list, sign out"_L1,
         "add opens Google's sign-in page in the browser and waits for it, two minutes at most.\n"
         "list shows every account with its identifier.\n"
-        "remove signs an account out, revokes its tokens and forgets it; ACCOUNT is its identifier or e-mail "
-        "address.\n"
+        "sign-in signs an account in again whose sign-in has ended; its choices stay.\n"
+        "remove signs an account out, revokes its tokens and forgets it.\n"
+        "ACCOUNT is an account's identifier or e-mail address.\n"
         "Works with a running Kestrel and without one. KESTREL_BROWSER names a program that gets the page's "
         "address\n"
         "in place of the default browser."_L1,
@@ -103,14 +105,15 @@ std::expected<void, QString> checkVerb(const CommandLine &line, const QStringLis
     if (!verb || line.help)
         return {};
     const auto count = line.arguments.size();
-    const bool wantsAccount = line.verb == "accounts"_L1 && line.arguments.value(0) == "remove"_L1;
+    const bool wantsAccount = line.verb == "accounts"_L1
+        && (line.arguments.value(0) == "remove"_L1 || line.arguments.value(0) == "sign-in"_L1);
     if (count < verb->fewestArguments || count > verb->mostArguments || (wantsAccount && count != 2))
         return std::unexpected(u"Usage: kestrel %1"_s.arg(verb->synopsis));
     if (line.verb == "action"_L1 && !hotkeyActionFromRaw(line.arguments[0]))
         return std::unexpected(
             u"There is no action \"%1\". kestrel action --help lists them."_s.arg(line.arguments[0]));
     if (line.verb == "accounts"_L1
-        && (!QStringList { u"add"_s, u"list"_s, u"remove"_s }.contains(line.arguments[0])
+        && (!QStringList { u"add"_s, u"list"_s, u"sign-in"_s, u"remove"_s }.contains(line.arguments[0])
             || (!wantsAccount && count != 1))) {
         return std::unexpected(u"Usage: kestrel %1"_s.arg(verb->synopsis));
     }

@@ -96,28 +96,68 @@ void GoogleProvider::keep(const std::shared_ptr<Session> &session)
             [this, accountID] { Q_EMIT signedInChanged(accountID); });
 }
 
-QCoro::Task<std::expected<CalendarAccount, AuthError>> GoogleProvider::signIn()
+QCoro::Task<std::expected<std::shared_ptr<GoogleProvider::Session>, AuthError>>
+GoogleProvider::newSession(QString accountID)
 {
     const QPointer self(this);
-    const QString accountID = QUuid::createUuid().toString(QUuid::WithoutBraces).toUpper();
-    m_signingIn.emplace(accountID, std::make_shared<Session>(accountID, m_services, m_turns));
-    const auto signedIn = co_await m_signingIn.at(accountID)->oauth.signIn();
-    const auto pending = self ? m_signingIn.extract(accountID) : decltype(m_signingIn)::node_type();
+    // a newer try takes the place of an older one, whose page the person has closed; that one ends here
+    auto older = m_signingIn.extract(accountID);
+    const auto inserted =
+        m_signingIn.emplace(accountID, std::make_shared<Session>(accountID, m_services, m_turns)).first;
+    Session *const session = inserted->second.get();
+    older = {};
+    const auto signedIn = co_await session->oauth.signIn();
+    decltype(m_signingIn)::node_type pending;
+    if (self) {
+        if (const auto found = m_signingIn.find(accountID);
+            found != m_signingIn.end() && found->second.get() == session)
+            pending = m_signingIn.extract(found);
+    }
     if (!signedIn)
         co_return std::unexpected(signedIn.error());
     if (!pending)
         co_return std::unexpected(OAuthError { OAuthError::Kind::NotSignedIn, 0, {} });
-    const auto &session = pending.mapped();
+    co_return pending.mapped();
+}
+
+QCoro::Task<std::expected<CalendarAccount, AuthError>> GoogleProvider::signIn()
+{
+    const QPointer self(this);
+    const auto session = co_await newSession(QUuid::createUuid().toString(QUuid::WithoutBraces).toUpper());
+    if (!session)
+        co_return std::unexpected(session.error());
+    if (!self)
+        co_return std::unexpected(OAuthError { OAuthError::Kind::NotSignedIn, 0, {} });
 
     CalendarAccount account;
-    account.id = accountID;
+    account.id = (*session)->oauth.accountID();
     account.providerID = providerID;
-    account.email = session->oauth.accountEmail();
+    account.email = (*session)->oauth.accountEmail();
     account.displayName = u"Google Calendar"_s;
     account.meetLaunchMode = MeetLaunchMode::Popup;
-    keep(session);
+    keep(*session);
     m_registry.add(account);
     co_return account;
+}
+
+QCoro::Task<std::expected<void, AuthError>> GoogleProvider::signInAgain(QString accountID)
+{
+    const QPointer self(this);
+    const auto session = co_await newSession(accountID);
+    if (!session)
+        co_return std::unexpected(session.error());
+    const auto account = self ? m_registry.account(accountID) : std::nullopt;
+    const QString chosen = (*session)->oauth.accountEmail().value_or(QString());
+    const QString wanted = account ? account->email.value_or(chosen) : QString();
+    if (!account || (!chosen.isEmpty() && chosen.compare(wanted, Qt::CaseInsensitive) != 0)) {
+        (void)co_await (*session)->oauth.signOut();
+        co_return std::unexpected(OAuthError { OAuthError::Kind::OtherAccount, 0, chosen });
+    }
+    this->session(accountID)->oauth.disconnect(this);
+    keep(*session);
+    Q_EMIT signedInChanged(accountID);
+    Q_EMIT signedInAgain(accountID);
+    co_return std::expected<void, AuthError>();
 }
 
 QCoro::Task<std::expected<void, KeychainError>> GoogleProvider::signOut(QString accountID)

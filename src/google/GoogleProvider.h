@@ -48,6 +48,8 @@ public:
 
     /// A new account through the browser; it is registered when this ends.
     [[nodiscard]] QCoro::Task<std::expected<CalendarAccount, AuthError>> signIn();
+    /// A registered account whose sign-in has ended, through the browser; everything about it stays as it is.
+    [[nodiscard]] QCoro::Task<std::expected<void, AuthError>> signInAgain(QString accountID);
     /// Nothing changes when the tokens cannot be deleted.
     [[nodiscard]] QCoro::Task<std::expected<void, KeychainError>> signOut(QString accountID);
     [[nodiscard]] QCoro::Task<std::expected<QList<ProviderCalendar>, CalendarFailure>>
@@ -61,8 +63,12 @@ Q_SIGNALS:
     void calendarsByAccountChanged();
     /// An account's refresh token was read, vanished, or can be read again.
     void signedInChanged(const QString &accountID);
+    void signedInAgain(const QString &accountID);
 
 private:
+    /// The browser's way for `accountID`; the session that holds its tokens is not kept yet.
+    [[nodiscard]] QCoro::Task<std::expected<std::shared_ptr<Session>, AuthError>>
+    newSession(QString accountID);
     std::shared_ptr<Session> session(const QString &accountID);
     void keep(const std::shared_ptr<Session> &session);
 

@@ -28,6 +28,7 @@ AgendaModel::AgendaModel(EventStore &store, AccountRegistry &registry, Preferenc
     connect(&preferences, &Preferences::changed, this, &AgendaModel::evaluateIfActive);
     connect(&refreshControl, &RefreshControl::isRefreshingChanged, this, &AgendaModel::changed);
     connect(&refreshControl, &RefreshControl::lastRefreshChanged, this, &AgendaModel::changed);
+    connect(&refreshControl, &RefreshControl::signedOutAccountsChanged, this, &AgendaModel::changed);
 }
 
 void AgendaModel::setActive(bool active)
@@ -96,6 +97,17 @@ QString AgendaModel::refreshToolTip() const
 bool AgendaModel::isRefreshing() const
 {
     return m_refreshControl.isRefreshing();
+}
+
+QString AgendaModel::signedOutText() const
+{
+    const QStringList names = m_refreshControl.signedOutAccounts();
+    return names.isEmpty() ? QString() : qtTrId("signed_out.message %@").arg(names.join(u", "_s));
+}
+
+void AgendaModel::openAccounts()
+{
+    Q_EMIT accountsRequested();
 }
 
 void AgendaModel::refresh()

@@ -25,6 +25,7 @@ class AgendaModel final : public QObject
     Q_PROPERTY(int laterTodayHeight READ laterTodayHeight NOTIFY changed)
     Q_PROPERTY(QString refreshToolTip READ refreshToolTip NOTIFY changed)
     Q_PROPERTY(bool isRefreshing READ isRefreshing NOTIFY changed)
+    Q_PROPERTY(QString signedOutText READ signedOutText NOTIFY changed)
 public:
     AgendaModel(EventStore &store, AccountRegistry &registry, Preferences &preferences,
                 RefreshControl &refreshControl, MeetingOpener &opener, const Clock &clock);
@@ -46,7 +47,10 @@ public:
     [[nodiscard]] int laterTodayHeight() const;
     [[nodiscard]] QString refreshToolTip() const;
     [[nodiscard]] bool isRefreshing() const;
+    /// Whose meetings are missing until the person signs in again; empty when nobody's are.
+    [[nodiscard]] QString signedOutText() const;
 
+    Q_INVOKABLE void openAccounts();
     Q_INVOKABLE void refresh();
     Q_INVOKABLE void openSettings();
     Q_INVOKABLE void quit();
@@ -54,6 +58,7 @@ public:
 Q_SIGNALS:
     void changed();
     void settingsRequested();
+    void accountsRequested();
     void quitRequested();
 
 private:

@@ -17,6 +17,7 @@ Item {
 
     readonly property real around: 3 * Metrics.space3 + footer.height
                                    + (header.visible ? header.height + Metrics.space3 : 0)
+                                   + (signedOut.visible ? signedOut.height + Metrics.space3 : 0)
     readonly property real room: Math.max(maximumHeight - around, 1)
     readonly property real wanted: agenda.hasAccounts ? cards.contentHeight : onboarding.contentHeight
 
@@ -48,6 +49,35 @@ Item {
         color: Theme.secondaryText
         Accessible.role: Accessible.StaticText
         Accessible.name: text
+    }
+    Loader {
+        id: signedOut
+
+        active: root.agenda.signedOutText !== ""
+        anchors.top: header.bottom
+        anchors.topMargin: Metrics.space3
+        visible: active
+        width: parent.width - 2 * Metrics.space3
+        x: Metrics.space3
+
+        sourceComponent: Pressable {
+            id: button
+
+            accessibleName: root.agenda.signedOutText + ". " + qsTrId("signed_out.action")
+            padding: Metrics.space2
+
+            background: Rectangle {
+                color: Qt.alpha(Theme.accent, 0.12)
+                radius: button.radius
+            }
+            contentItem: PlainLabel {
+                color: Theme.accent
+                size: Metrics.textSmall
+                text: button.accessibleName
+                wrapMode: Text.Wrap
+            }
+            onClicked: root.agenda.openAccounts()
+        }
     }
     Item {
         anchors.bottom: footer.top

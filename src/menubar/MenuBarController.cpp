@@ -71,6 +71,12 @@ void MenuBarController::updateTitle()
     Q_EMIT updated();
 }
 
+void MenuBarController::setSignedOut(const QStringList &accounts)
+{
+    m_signedOut = accounts;
+    updateTitle();
+}
+
 void MenuBarController::showPopover()
 {
     m_popover.show();
@@ -92,20 +98,22 @@ StatusItemState MenuBarController::state(Instant now) const
     if (m_meetState.inMeeting() && m_preferences.showMeetMicInMenuBar())
         symbol = m_meetState.micOn() ? u"mic.fill"_s : u"mic.slash.fill"_s;
 
-    QStringList toolTip { u"Kestrel"_s, title, next ? next->title : QString() };
+    const QString signedOut =
+        m_signedOut.isEmpty() ? QString() : qtTrId("signed_out.message %@").arg(m_signedOut.join(u", "_s));
+    QStringList toolTip { u"Kestrel"_s, title, next ? next->title : QString(), signedOut };
     toolTip.removeAll(QString());
 
     const double lead = static_cast<double>(m_preferences.leadTimeMinutes()) * 60;
-    return { symbol,
-             symbolSvg(symbol),
-             title,
-             toolTip.join(u" – "_s),
-             { { u"open"_s, qtTrId("menu.open_agenda") },
-               { u"join"_s, qtTrId("menu.join_next"), meetingToJoin(m_store, lead, now).has_value() },
-               { u"refresh"_s, qtTrId("popover.footer.refresh") },
-               { u"settings"_s, qtTrId("popover.footer.settings") },
-               { {}, {} },
-               { u"quit"_s, qtTrId("popover.footer.quit") } } };
+    QList<StatusItemMenuEntry> menu { { u"open"_s, qtTrId("menu.open_agenda") },
+                                      { u"join"_s, qtTrId("menu.join_next"),
+                                        meetingToJoin(m_store, lead, now).has_value() },
+                                      { u"refresh"_s, qtTrId("popover.footer.refresh") },
+                                      { u"settings"_s, qtTrId("popover.footer.settings") },
+                                      { {}, {} },
+                                      { u"quit"_s, qtTrId("popover.footer.quit") } };
+    if (!m_signedOut.isEmpty())
+        menu.prepend({ u"accounts"_s, qtTrId("signed_out.action") });
+    return { symbol, symbolSvg(symbol), title, toolTip.join(u" – "_s), menu };
 }
 
 QString MenuBarController::meetIndicator() const
@@ -150,6 +158,8 @@ void MenuBarController::runMenuEntry(const QString &id)
         Q_EMIT refreshRequested();
     else if (id == "settings"_L1)
         Q_EMIT settingsRequested();
+    else if (id == "accounts"_L1)
+        Q_EMIT accountsRequested();
     else if (id == "quit"_L1)
         Q_EMIT quitRequested();
 }

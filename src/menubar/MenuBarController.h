@@ -2,6 +2,7 @@
 #include "base/Clock.h"
 #include "model/Meeting.h"
 #include "platform/StatusItemHost.h"
+#include <QStringList>
 #include <QTimer>
 #include <optional>
 
@@ -27,7 +28,8 @@ public:
     [[nodiscard]] QString title() const { return m_shown ? m_shown->label : QString(); }
     /// The meeting that is counted to.
     [[nodiscard]] std::optional<Meeting> nextMeeting(Instant now) const;
-
+    /// The accounts that the person has to sign in to again.
+    void setSignedOut(const QStringList &accounts);
     void showPopover();
     void togglePopover(QPoint hint);
 
@@ -37,6 +39,7 @@ Q_SIGNALS:
     void joinRequested();
     void refreshRequested();
     void settingsRequested();
+    void accountsRequested();
     void quitRequested();
 
 private:
@@ -53,6 +56,7 @@ private:
     AgendaPopover &m_popover;
     QTimer m_timer;
     std::optional<StatusItemState> m_shown;
+    QStringList m_signedOut;
 };
 
 } // namespace kestrel

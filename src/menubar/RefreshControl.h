@@ -1,6 +1,7 @@
 #pragma once
 #include "base/Instant.h"
 #include <QObject>
+#include <QStringList>
 #include <optional>
 
 namespace kestrel {
@@ -17,8 +18,11 @@ public:
     [[nodiscard]] virtual std::optional<Instant> lastRefresh() const = 0;
     /// Starts a refresh and returns at once.
     virtual void startRefresh() = 0;
+    /// What the accounts are called that cannot be refreshed before their person has signed in again.
+    [[nodiscard]] virtual QStringList signedOutAccounts() const { return {}; }
 
 Q_SIGNALS:
+    void signedOutAccountsChanged();
     void isRefreshingChanged();
     void lastRefreshChanged();
 };

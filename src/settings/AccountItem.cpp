@@ -21,6 +21,7 @@ AccountItem::AccountItem(const CalendarAccount &account, AccountRegistry &regist
 {
     m_calendars.setCalendars(google.calendarsByAccount().value(account.id));
     connect(&preferences, &Preferences::changed, this, &AccountItem::followChoices);
+    connect(&google, &GoogleProvider::signedInChanged, this, &AccountItem::changed);
     followChoices();
 }
 
@@ -109,6 +110,35 @@ void AccountItem::setColor(int row, const QString &hex)
         else
             account.calendarColorOverrides.insert(calendar, hex);
     });
+}
+
+bool AccountItem::isSignedOut() const
+{
+    // not through oauth() for an account that is going
+    return m_registry.account(m_account.id) && m_google.oauth(m_account.id).isSignedOut();
+}
+
+void AccountItem::signInAgain()
+{
+    if (!m_isSigningIn)
+        startTask("sign-in", doSignInAgain());
+}
+
+QCoro::Task<void> AccountItem::doSignInAgain()
+{
+    const QPointer self(this);
+    m_isSigningIn = true;
+    m_signInError.clear();
+    Q_EMIT changed();
+    const auto signedIn = co_await m_google.signInAgain(m_account.id);
+    if (!self)
+        co_return;
+    m_isSigningIn = false;
+    if (!signedIn)
+        m_signInError = description(signedIn.error());
+    Q_EMIT changed();
+    if (signedIn)
+        load();
 }
 
 void AccountItem::signOut()

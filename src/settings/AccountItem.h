@@ -26,6 +26,9 @@ class AccountItem final : public QObject
     Q_PROPERTY(bool isLoading READ isLoading NOTIFY changed)
     Q_PROPERTY(QString loadError READ loadError NOTIFY changed)
     Q_PROPERTY(bool calendarsExpanded MEMBER m_calendarsExpanded NOTIFY calendarsExpandedChanged)
+    Q_PROPERTY(bool isSignedOut READ isSignedOut NOTIFY changed)
+    Q_PROPERTY(bool isSigningIn READ isSigningIn NOTIFY changed)
+    Q_PROPERTY(QString signInError READ signInError NOTIFY changed)
     Q_PROPERTY(bool isSigningOut READ isSigningOut NOTIFY changed)
     Q_PROPERTY(QString signOutError READ signOutError NOTIFY changed)
 public:
@@ -46,6 +49,11 @@ public:
     [[nodiscard]] QString calendarsTitle() const;
     [[nodiscard]] bool isLoading() const { return m_isLoading; }
     [[nodiscard]] QString loadError() const { return m_loadError; }
+    /// The sign-in has ended, and nothing is read until there is a new one.
+    [[nodiscard]] bool isSignedOut() const;
+    [[nodiscard]] bool isSigningIn() const { return m_isSigningIn; }
+    /// Of the last try; empty when it did not fail.
+    [[nodiscard]] QString signInError() const { return m_signInError; }
     [[nodiscard]] bool isSigningOut() const { return m_isSigningOut; }
     /// Of the last try; empty when it did not fail.
     [[nodiscard]] QString signOutError() const { return m_signOutError; }
@@ -55,6 +63,7 @@ public:
     Q_INVOKABLE void select(int row, bool selected);
     /// An empty text gives the calendar its own colour back.
     Q_INVOKABLE void setColor(int row, const QString &hex);
+    Q_INVOKABLE void signInAgain();
     Q_INVOKABLE void signOut();
 
 Q_SIGNALS:
@@ -64,6 +73,7 @@ Q_SIGNALS:
 private:
     void followChoices();
     [[nodiscard]] QCoro::Task<void> loadCalendars();
+    [[nodiscard]] QCoro::Task<void> doSignInAgain();
     [[nodiscard]] QCoro::Task<void> doSignOut();
 
     CalendarAccount m_account;
@@ -73,8 +83,10 @@ private:
     RefreshControl &m_refreshControl;
     CalendarChoices m_calendars;
     QString m_loadError;
+    QString m_signInError;
     QString m_signOutError;
     bool m_isLoading = false;
+    bool m_isSigningIn = false;
     bool m_isSigningOut = false;
     bool m_calendarsExpanded = false;
 };

@@ -36,6 +36,21 @@ FormSection {
         }
     }
     FormRow {
+        error: root.item.signInError
+        help: root.item.isSigningIn ? qsTrId("settings.accounts.signing_in")
+                                    : qsTrId("settings.accounts.signed_out.help")
+        label: qsTrId("settings.accounts.signed_out")
+        visible: root.item.isSignedOut
+
+        TextButton {
+            enabled: !root.item.isSigningIn
+            text: qsTrId("settings.accounts.sign_in_again")
+            toolTip: text + ": " + root.item.name
+
+            onClicked: root.item.signInAgain()
+        }
+    }
+    FormRow {
         help: qsTrId("settings.accounts.launch_mode.help")
         label: qsTrId("settings.accounts.launch_mode")
 

@@ -181,6 +181,25 @@ private Q_SLOTS:
         QCOMPARE(desktop->notifications.shown.first().text, u"install a tray"_s);
     }
 
+    void anEndedSignInIsToldAndLeadsToTheAccounts()
+    {
+        google->preferences.setBoolean(u"popover.hasShownInitialAutoOpen.v1"_s, true);
+        AccountRegistry(google->preferences).add(google->account(u"A"_s));
+        google->secrets.secrets.clear();
+        start();
+        const auto &shown = desktop->notifications.shown;
+        QTRY_COMPARE(shown.size(), 1);
+        QCOMPARE(shown.first().title, u"a@example.com is not signed in"_s);
+        QCOMPARE(delegate->agenda().signedOutText(), shown.first().title);
+        QVERIFY(desktop->statusItem.state->toolTip.contains(shown.first().title));
+        desktop->notifications.choose(shown.first().key, shown.first().actions.first().first);
+        QVERIFY(isShown(u"Kestrel Settings"_s));
+
+        QVERIFY(QCoro::waitFor(delegate->environment().google().signOut(u"A"_s)));
+        QTRY_COMPARE(delegate->agenda().signedOutText(), QString());
+        QCOMPARE(shown.size(), 1);
+    }
+
 private:
     void start(const AppDelegate::Start &how = {})
     {

@@ -28,6 +28,8 @@ private Q_SLOTS:
         row("accounts", false);
         row("accounts add", true);
         row("accounts remove", false);
+        row("accounts sign-in", false);
+        row("accounts sign-in A", true);
         row("accounts remove A", true);
         row("browser", false);
         row("browser install", true);

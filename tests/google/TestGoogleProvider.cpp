@@ -248,6 +248,25 @@ private Q_SLOTS:
         QVERIFY(account.registry.account(u"A"_s)); // nobody was left to take it out
     }
 
+    void aSignInAnewTakesThePlaceOfOneThatNobodyFinishes()
+    {
+        Provider account;
+        account.google.secrets.secrets.clear();
+        account.google.transport.answer(
+            u"/token"_s, 200, R"({"access_token":"access","refresh_token":"refresh","expires_in":3600})");
+        account.google.transport.answer(u"/v1/userinfo"_s, 200, R"({"email":"A@example.com"})");
+        auto closed = account.provider->signInAgain(u"A"_s); // the person closes the page
+        FakeGoogle::settle();
+        account.google.opener.onOpen = [](const QUrl &url) { comeBack(url, u"?code=a-code&state=STATE"_s); };
+        const QSignalSpy again(account.provider.get(), &GoogleProvider::signedInAgain);
+        auto finished = account.provider->signInAgain(u"A"_s);
+        QVERIFY(!QCoro::waitFor(closed));
+        QVERIFY(QCoro::waitFor(finished));
+        QCOMPARE(again.size(), 1);
+        QVERIFY(account.provider->oauth(u"A"_s).isSignedIn());
+        QCOMPARE(account.registry.accounts().size(), 1);
+    }
+
     void signInEndsWithTheProvider()
     {
         Provider account;

@@ -24,7 +24,9 @@ public:
     [[nodiscard]] bool isRefreshing() const override { return refreshing; }
     [[nodiscard]] std::optional<Instant> lastRefresh() const override { return last; }
     void startRefresh() override { ++started; }
+    [[nodiscard]] QStringList signedOutAccounts() const override { return signedOut; }
 
+    QStringList signedOut;
     bool refreshing = false;
     std::optional<Instant> last;
     int started = 0;

@@ -275,6 +275,11 @@ void TestAgenda::drawsWithoutAWarning()
         settle();
         desk.show({});
         settle();
+        const int empty = window.view()->height();
+        desk.refreshControl.signedOut = { u"ann+work@example.com"_s };
+        Q_EMIT desk.refreshControl.signedOutAccountsChanged();
+        settle();
+        QVERIFY2(window.view()->height() > empty + 10, "there is a line that says so");
     }
     QCOMPARE(complaints, QStringList());
 }

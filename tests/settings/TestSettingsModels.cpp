@@ -1,3 +1,4 @@
+#include "auth/PlayedBrowser.h"
 #include "settings/SettingsDesk.h"
 #include <QSignalSpy>
 #include <QTest>
@@ -24,6 +25,7 @@ private Q_SLOTS:
     void calendarsThatCannotBeReadSayWhy();
     void rowsStayAsLongAsTheirAccounts();
     void anAccountThatCannotBeAddedOrRemovedSaysWhy();
+    void anEndedSignInIsRenewed();
     void whatCannotBeSavedIsSaid();
     void theBrowsersStateIsASentence_data();
     void theBrowsersStateIsASentence();
@@ -301,6 +303,35 @@ void TestSettingsModels::anAccountThatCannotBeAddedOrRemovedSaysWhy()
     QTRY_VERIFY(!desk.item(0)->isSigningOut());
     QVERIFY(!desk.item(0)->signOutError().isEmpty());
     QCOMPARE(accounts.rowCount(), 1);
+}
+
+void TestSettingsModels::anEndedSignInIsRenewed()
+{
+    SettingsDesk desk({ u"A"_s });
+    FakeGoogle::settle();
+    AccountItem &item = *desk.item(0);
+    QVERIFY(!item.isSignedOut());
+    // one after the other, and the last one from then on
+    auto &transport = desk.google.transport;
+    transport.answer(u"/token"_s, 400, R"({"error":"invalid_grant"})");
+    transport.answer(u"/token"_s, 200,
+                     R"({"access_token":"access","refresh_token":"refresh","expires_in":3600})");
+    transport.answer(u"/v1/userinfo"_s, 200, R"({"email":"casey@example.com"})");
+    transport.answer(u"/v1/userinfo"_s, 200, R"({"email":"A@example.com"})");
+    QVERIFY(!QCoro::waitFor(desk.provider.oauth(u"A"_s).refreshAccessToken()));
+    QVERIFY(item.isSignedOut());
+
+    desk.google.opener.onOpen = [](const QUrl &url) { comeBack(url, u"?code=a-code&state=STATE"_s); };
+    const auto signInAgain = [&item] {
+        item.signInAgain();
+        return QTest::qWaitFor([&item] { return !item.isSigningIn(); });
+    };
+    QVERIFY(signInAgain());
+    QVERIFY2(item.signInError().contains(u"casey@example.com"), qPrintable(item.signInError()));
+    QVERIFY(item.isSignedOut());
+    QVERIFY(signInAgain());
+    QCOMPARE(item.signInError(), QString());
+    QVERIFY(!item.isSignedOut());
 }
 
 void TestSettingsModels::whatCannotBeSavedIsSaid()
