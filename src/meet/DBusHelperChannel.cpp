@@ -6,6 +6,7 @@
 #include <QDBusServiceWatcher>
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QPointer>
 #include <QProcess>
 #include <QSaveFile>
@@ -124,6 +125,11 @@ HelperChannel::Answer<QVariantList> DBusHelperChannel::call(QString method, QVar
     // no bound: whoever calls may have one, and should the helper end, the bus answers at once
     QDBusMessage reply = co_await m_bus.asyncCall(message, std::numeric_limits<int>::max());
     if (self && wasNotDelivered(reply.errorName())) {
+        if (!QFileInfo(m_program.path).isExecutable()) {
+            co_return std::unexpected(
+                HelperError { HelperError::Kind::Unreachable,
+                              u"the browser helper is missing, or may not be run: "_s + m_program.path });
+        }
         co_await provide();
         if (self)
             reply = co_await m_bus.asyncCall(message, std::numeric_limits<int>::max());

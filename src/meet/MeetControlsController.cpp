@@ -170,15 +170,23 @@ QCoro::Task<void> MeetControlsController::reportBrowserSetting(QString error)
 
 QCoro::Task<HelperScriptReply> MeetControlsController::runMeetScript(QString js, bool activate)
 {
+    const QPointer self(this);
     auto answer = co_await m_helper.executeJSInChromeTab(meetTabMarker, js, activate);
-    if (answer)
+    if (answer) {
+        if (self)
+            m_unreachable.clear();
         co_return *std::move(answer);
-    if (answer.error().kind == HelperError::Kind::NotOurProtocol) {
-        qCCritical(lcApp) << "Meet XPC: proxy cast failed";
-        co_return HelperScriptReply { false, {}, u"proxy cast failed"_s };
     }
-    qCCritical(lcApp).noquote() << "Meet XPC connection failed:" << errorForLog(answer.error().description);
-    co_return HelperScriptReply { false, {}, u"XPC connection failed"_s };
+    const bool isStranger = answer.error().kind == HelperError::Kind::NotOurProtocol;
+    const QString trouble = isStranger
+        ? u"Meet XPC: proxy cast failed"_s
+        : u"Meet XPC connection failed: "_s + errorForLog(answer.error().description);
+    // said when it begins, not at every poll
+    if (self && std::exchange(m_unreachable, trouble) != trouble)
+        qCCritical(lcApp).noquote() << trouble;
+    co_return HelperScriptReply { false,
+                                  {},
+                                  isStranger ? u"proxy cast failed"_s : u"XPC connection failed"_s };
 }
 
 void MeetControlsController::closeMeetTab()
@@ -220,12 +228,14 @@ void MeetControlsController::applyPoll(const HelperScriptReply &reply)
 {
     if (reply.ok && reply.result) {
         if (const auto json = decodeMeetState(reply.result->toUtf8())) {
+            m_pollError.reset();
             apply(*json, m_state);
             return;
         }
     }
-    if (reply.error)
+    if (reply.error && m_pollError != reply.error)
         qCCritical(lcApp).noquote() << "poll failed:" << errorForLog(*reply.error);
+    m_pollError = reply.error;
     m_state.setInMeeting(false);
 }
 

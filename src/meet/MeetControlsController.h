@@ -9,6 +9,7 @@
 #include <chrono>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <vector>
 
 namespace kestrel {
@@ -78,6 +79,8 @@ private:
     MeetControlsTimes m_times;
     std::vector<std::unique_ptr<GlobalHotkey>> m_hotkeys;
     QTimer m_pollTimer;
+    QString m_unreachable; ///< why the helper cannot be had, as it was logged; empty while it can
+    std::optional<QString> m_pollError; ///< the last poll's, as it was logged
     bool m_isPolling = false;
     bool m_pollsAgain = false; ///< an action came after the poll that is under way
 };

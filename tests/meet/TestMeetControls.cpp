@@ -13,6 +13,7 @@
 #include "support/FakePreferenceStore.h"
 #include "support/FakeScreens.h"
 #include "support/FakeShortcutBackend.h"
+#include "support/WarningCount.h"
 #include "ui/QuickScene.h"
 #include "ui/Theme.h"
 #include <QTest>
@@ -272,6 +273,30 @@ private Q_SLOTS:
                                desk.state.handRaised(), desk.state.sharing() }),
                  state);
         QVERIFY(desk.notice.asked.isEmpty());
+    }
+
+    void aTroubleIsLoggedWhenItBeginsAndNotAtEveryPoll()
+    {
+        Desk desk({ 0ms, 0ms, 1h, 1h });
+        const auto gone = [](const QString &why) {
+            return std::unexpected(HelperError { HelperError::Kind::Unreachable, why });
+        };
+        const auto linesAfterPolls = [&desk](const ScriptAnswer &answer) {
+            desk.helper.scriptAnswer = answer;
+            const WarningCount lines;
+            const auto polls = desk.helper.executed.size();
+            while (desk.helper.executed.size() < polls + 5)
+                QCoreApplication::processEvents();
+            return WarningCount::seen;
+        };
+        desk.controller->start();
+        QCOMPARE(linesAfterPolls(gone(u"missing"_s)), 2); // of the helper, and of the poll
+        QCOMPARE(linesAfterPolls(gone(u"missing"_s)), 0);
+        QCOMPARE(linesAfterPolls(gone(u"crashed"_s)), 1);
+        QCOMPARE(linesAfterPolls(noTab), 0);
+        QCOMPARE(linesAfterPolls(gone(u"missing"_s)), 2);
+        desk.controller->stop();
+        turn();
     }
 
     void aBrowserThatHangsIsAskedOnce()
