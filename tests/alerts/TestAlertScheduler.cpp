@@ -67,6 +67,7 @@ private Q_SLOTS:
     void aNewMeetingTakesItsAlertedGroupAlong();
     void anAlertedMeetingThatIsMovedIsNotAlertedAgain();
     void aPlanThatComesBeforeTheTimersWordLosesNoAlert();
+    void aClockThatIsSetByADayRepeatsAndLosesNothing();
     void standsStillWithoutStoreOrPresenter();
 };
 
@@ -216,6 +217,27 @@ void TestAlertScheduler::aPlanThatComesBeforeTheTimersWordLosesNoAlert()
     desk.timer.jump();
     QCOMPARE(desk.presented(), u"10:02:00.000 A"_s);
     QCOMPARE(desk.fire(), u"10:02:00.000"_s);
+}
+
+void TestAlertScheduler::aClockThatIsSetByADayRepeatsAndLosesNothing()
+{
+    Desk desk({ Desk::meeting(u"A"_s, 60) });
+    desk.start();
+    const auto set = [&desk](std::chrono::hours by) {
+        desk.clock.setNow(desk.clock.now() + by);
+        desk.timer.jump();
+        return desk.presented();
+    };
+    QCOMPARE(set(24h), u"09:50:00.000"_s); // a meeting of yesterday is no news
+    QCOMPARE(desk.armedFor(), u"nothing"_s);
+    QCOMPARE(set(-24h), u"09:50:00.000"_s);
+    QCOMPARE(desk.armedFor(), u"09:55:00.000"_s);
+    desk.clock.setNow(*desk.timer.armed);
+    QCOMPARE(desk.fire(), u"09:55:00.000 A"_s);
+    QCOMPARE(set(-24h), u"09:55:00.000"_s);
+    desk.clock.setNow(*desk.timer.armed);
+    QCOMPARE(desk.fire(), u"09:59:00.000 A"_s); // the one-minute alert alone
+    QCOMPARE(desk.armedFor(), u"nothing"_s);
 }
 
 void TestAlertScheduler::standsStillWithoutStoreOrPresenter()
