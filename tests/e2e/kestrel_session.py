@@ -68,8 +68,8 @@ class Kestrel:
         self.process = None
         self.log = open(pathlib.Path(self.folder.name) / "log", "w+")
 
-    def start(self):
-        self.process = subprocess.Popen([self.program, *self.options], env=self.environment,
+    def start(self, wrapper=()):
+        self.process = subprocess.Popen([*wrapper, self.program, *self.options], env=self.environment,
                                         stdin=subprocess.DEVNULL, stdout=self.log, stderr=self.log)
         wait_until(lambda: self.verb("status").returncode == 0 or self.process.poll() is not None, "Kestrel answers")
         assert self.process.poll() is None, self.log_text()
