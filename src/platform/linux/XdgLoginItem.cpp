@@ -29,6 +29,13 @@ QString execArgument(QString argument)
     return stringValue(u'"' + argument + u'"');
 }
 
+/// The entry as it is installed for others to read; its program is found through PATH.
+QByteArray autostartTemplate()
+{
+    QFile file(u":/kestrel/autostart.desktop"_s);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
 bool isSwitchedOff(const QByteArray &entry)
 {
     const QList<QByteArray> lines = entry.split('\n');
@@ -78,16 +85,18 @@ std::expected<QByteArray, QString> XdgLoginItem::content() const
     // the Desktop Entry format knows no way to write '=', and GLib does not find a program with '%'
     if (!m_program.startsWith(u'/') || m_program.contains(u'=') || m_program.contains(u'%'))
         return std::unexpected(u"no autostart entry can name the program %1"_s.arg(m_program));
-    const QString entry = u"[Desktop Entry]\n"
-                          "Type=Application\n"
-                          "Name=Kestrel\n"
-                          "Exec=%1\n"
-                          "TryExec=%2\n"
-                          "Icon=%3\n"
-                          "Terminal=false\n"
-                          "StartupNotify=false\n"
-                          "X-GNOME-Autostart-enabled=true\n"_s;
-    return entry.arg(execArgument(m_program), stringValue(m_program), AppIdentifier).toUtf8();
+    QByteArray entry;
+    for (const QByteArray &line : autostartTemplate().split('\n')) {
+        if (line.startsWith("Exec="))
+            entry += "Exec=" + execArgument(m_program).toUtf8();
+        else if (line.startsWith("TryExec="))
+            entry += "TryExec=" + stringValue(m_program).toUtf8();
+        else
+            entry += line;
+        entry += '\n';
+    }
+    entry.chop(1);
+    return entry;
 }
 
 } // namespace kestrel
