@@ -1,4 +1,5 @@
 #include "ui/NinePatchItem.h"
+#include <QCache>
 #include <QPainter>
 #include <QPainterPath>
 #include <QQuickWindow>
@@ -27,11 +28,41 @@ struct PatchNode final : QSGNode
     std::unique_ptr<QSGTexture> texture;
 };
 
-/// An image for two corners and a pixel between them each way, and no larger than what it is for.
-QImage emptyPatch(int corner, QSize whole)
+/// Room for two corners and a pixel between them each way, and no larger than what it is for.
+QSize patchSize(int corner, QSize whole)
 {
-    QImage image(whole.boundedTo(QSize(corner * 2 + 1, corner * 2 + 1)), QImage::Format_ARGB32_Premultiplied);
+    return whole.boundedTo(QSize(corner * 2 + 1, corner * 2 + 1));
+}
+
+/// All that a patch depends on, in device pixels.
+struct Painted
+{
+    QSize size;
+    double radius;
+    double ratio;
+    QRgb color;
+    QRgb edge;
+
+    friend bool operator==(const Painted &, const Painted &) = default;
+};
+
+size_t qHash(const Painted &painted, size_t seed = 0)
+{
+    return qHashMulti(seed, painted.size, painted.radius, painted.ratio, painted.color, painted.edge);
+}
+
+/// Rows of a list, and cards, look the same but for their size: they share one picture. Each kind of `paint`
+/// has pictures of its own.
+template<typename Paint>
+QImage sharedPatch(const Painted &painted, Paint paint)
+{
+    static QCache<Painted, QImage> cache(256 * 1024);
+    if (const QImage *known = cache.object(painted))
+        return *known;
+    QImage image(painted.size, QImage::Format_ARGB32_Premultiplied);
     image.fill(Qt::transparent);
+    paint(image);
+    cache.insert(painted, new QImage(image), image.sizeInBytes());
     return image;
 }
 
@@ -171,19 +202,24 @@ NinePatchItem::Patch SmoothRectangle::paintPatch(QSize whole, qreal ratio) const
     const double round = std::min(radius() * ratio, room);
     const double reach = std::min(round * continuousReach, room);
     const int corner = std::max(2, static_cast<int>(std::ceil(reach)));
-    QImage image = emptyPatch(corner, whole);
-    QPainter painter(&image);
-    painter.setRenderHint(QPainter::Antialiasing);
-    const QRectF all = image.rect();
-    const QPainterPath outline = smoothOutline(all, reach, round);
-    painter.fillPath(outline, m_color);
-    if (m_edge.alpha() > 0) {
-        const double line = std::max(1.0, std::round(ratio));
-        const QPainterPath inside = smoothOutline(all.adjusted(line, line, -line, -line),
-                                                  std::max(0.0, reach - line), std::max(0.0, round - line));
-        painter.fillPath(outline.subtracted(inside), m_edge);
-    }
-    return { image, corner };
+    const auto paint = [&](QImage &image) {
+        QPainter painter(&image);
+        painter.setRenderHint(QPainter::Antialiasing);
+        const QRectF all = image.rect();
+        const QPainterPath outline = smoothOutline(all, reach, round);
+        painter.fillPath(outline, m_color);
+        if (m_edge.alpha() > 0) {
+            const double line = std::max(1.0, std::round(ratio));
+            const QPainterPath inside =
+                smoothOutline(all.adjusted(line, line, -line, -line), std::max(0.0, reach - line),
+                              std::max(0.0, round - line));
+            QPainterPath ring = outline; // the path's rule leaves out what is covered twice
+            ring.addPath(inside);
+            painter.fillPath(ring, m_edge);
+        }
+    };
+    const Painted painted { patchSize(corner, whole), round, ratio, m_color.rgba(), m_edge.rgba() };
+    return { sharedPatch(painted, paint), corner };
 }
 
 SoftShadow::SoftShadow(QQuickItem *parent)
@@ -202,22 +238,28 @@ NinePatchItem::Patch SoftShadow::paintPatch(QSize whole, qreal ratio) const
     const double out = shadowReach * ratio;
     const double round = radius() * ratio;
     const int corner = static_cast<int>(std::ceil(out + std::max(out, round)));
-    QImage image = emptyPatch(corner, whole);
-    const double centreX = image.width() / 2.0;
-    const double centreY = image.height() / 2.0;
-    for (int y = 0; y < image.height(); ++y) {
-        auto *line = reinterpret_cast<QRgb *>(image.scanLine(y));
-        for (int x = 0; x < image.width(); ++x) {
-            // the distance from the rounded rectangle; across it a blurred edge is the error function
-            const double dx = std::abs(x + 0.5 - centreX) - (centreX - out) + round;
-            const double dy = std::abs(y + 0.5 - centreY) - (centreY - out) + round;
-            const double distance =
-                std::hypot(std::max(dx, 0.0), std::max(dy, 0.0)) + std::min(std::max(dx, dy), 0.0) - round;
-            const double share = std::erfc(distance / (deviation * std::numbers::sqrt2)) / 2;
-            line[x] = qRgba(0, 0, 0, static_cast<int>(std::lround(255 * shadowOpacity * share)));
+    const auto paint = [&](QImage &image) {
+        const double centreX = image.width() / 2.0;
+        const double centreY = image.height() / 2.0;
+        // all four quarters are the same
+        for (int y = 0; y < (image.height() + 1) / 2; ++y) {
+            auto *line = reinterpret_cast<QRgb *>(image.scanLine(y));
+            for (int x = 0; x < (image.width() + 1) / 2; ++x) {
+                // the distance from the rounded rectangle; across it a blurred edge is the error function
+                const double dx = std::abs(x + 0.5 - centreX) - (centreX - out) + round;
+                const double dy = std::abs(y + 0.5 - centreY) - (centreY - out) + round;
+                const double distance = std::hypot(std::max(dx, 0.0), std::max(dy, 0.0))
+                    + std::min(std::max(dx, dy), 0.0) - round;
+                const double share = std::erfc(distance / (deviation * std::numbers::sqrt2)) / 2;
+                const QRgb shade = qRgba(0, 0, 0, static_cast<int>(std::lround(255 * shadowOpacity * share)));
+                line[x] = shade;
+                line[image.width() - 1 - x] = shade;
+            }
+            std::copy_n(line, image.width(),
+                        reinterpret_cast<QRgb *>(image.scanLine(image.height() - 1 - y)));
         }
-    }
-    return { image, corner };
+    };
+    return { sharedPatch({ patchSize(corner, whole), round, ratio, 0, 0 }, paint), corner };
 }
 
 } // namespace kestrel
