@@ -2,7 +2,8 @@ import QtQuick
 import QtQuick.Templates as T
 import Kestrel.Ui
 
-/// What lies over a button that is pressed or has the keyboard: a little darkness, a ring.
+/// What lies over a button that is pressed or has the keyboard: a little darkness, a ring. Goes when nothing of it
+/// can be seen any more.
 Item {
     id: root
 
@@ -10,14 +11,28 @@ Item {
     readonly property real cornerRadius: (button as Pressable)?.radius ?? 0
     readonly property bool isDown: button?.down ?? false
     readonly property bool hasRing: button?.visualFocus ?? false
+    /// How large the button is while it gives way.
+    property real give: isDown ? 0.97 : 1
 
-    /// Nothing of it can be seen any more.
-    signal faded
-
+    anchors.fill: parent
     opacity: dim.opacity > 0 || hasRing ? 1 : 0
+    z: 1
 
-    onOpacityChanged: if (opacity === 0 && !isDown)
-        faded()
+    onOpacityChanged: {
+        if (opacity === 0 && !isDown && button) {
+            (button as Pressable).overlay = null;
+            destroy();
+        }
+    }
+
+    Behavior on give {
+        enabled: Theme.motionAllowed
+
+        NumberAnimation {
+            duration: Metrics.pressDuration
+            easing.type: Easing.OutQuad
+        }
+    }
 
     Rectangle {
         id: dim

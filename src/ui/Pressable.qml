@@ -10,8 +10,12 @@ T.AbstractButton {
     property string accessibleName: text
     property string toolTip
     property real radius: Metrics.radiusSmall
-    readonly property real pressScale: 0.97
-    readonly property real pressDim: 0.06
+    // Dimming and focus ring lie over whatever content a button has. Neither they nor the bubble are there before
+    // they are needed, nor after: an agenda has three dozen buttons, and hardly one is ever touched.
+    property Item overlay: null
+    property QtObject bubble: null
+    readonly property bool isLit: down || visualFocus
+    readonly property bool isExplained: toolTip !== "" && (hovered || visualFocus)
 
     Accessible.name: root.accessibleName
     Accessible.description: root.toolTip === root.accessibleName ? "" : root.toolTip
@@ -20,58 +24,37 @@ T.AbstractButton {
     hoverEnabled: true
     implicitHeight: implicitContentHeight + topPadding + bottomPadding
     implicitWidth: implicitContentWidth + leftPadding + rightPadding
-    scale: down ? pressScale : 1
-
-    Behavior on scale {
-        enabled: Theme.motionAllowed
-
-        NumberAnimation {
-            duration: Metrics.pressDuration
-            easing.type: Easing.OutQuad
-        }
-    }
+    scale: overlay ? (overlay as PressOverlay).give : 1
 
     /// What Enter does; a button on which it is something else than a press has its own.
     function enter() {
         root.clicked();
     }
+    // by file: a component of this file could not be made in the context of a button that stands on it
+    function light() {
+        overlay = Qt.createComponent("PressOverlay.qml").createObject(root) as Item;
+        // what it shows begins to move with this
+        (overlay as PressOverlay).button = root;
+    }
+    function explain() {
+        bubble = Qt.createComponent("ToolTipBubble.qml").createObject(root, {
+            parent: root,
+            text: root.toolTip
+        });
+        (bubble as ToolTipBubble).visible = true;
+    }
 
     Keys.onEnterPressed: root.enter()
     Keys.onReturnPressed: root.enter()
 
-    // dimming and focus ring lie over whatever content a button has; neither is there before it is needed, nor after
-    readonly property bool isLit: down || visualFocus
-
-    onIsLitChanged: if (isLit)
-        overlay.active = true
-
-    Loader {
-        id: overlay
-
-        anchors.fill: parent
-        active: false
-        z: 1
-        source: "PressOverlay.qml"
-        onLoaded: (item as PressOverlay).button = root
-
-        Connections {
-            function onFaded() {
-                overlay.active = false;
-            }
-
-            target: overlay.item
-        }
-    }
-    // by file: a component of this file could not be made in the context of a button that stands on it
-    Loader {
-        active: root.toolTip !== "" && (root.hovered || root.visualFocus)
-        source: "ToolTipBubble.qml"
-
-        onLoaded: {
-            const bubble = item as ToolTipBubble;
-            bubble.parent = root;
-            bubble.text = root.toolTip;
-            bubble.visible = true;
+    onIsLitChanged: if (isLit && !overlay)
+        light()
+    onIsExplainedChanged: {
+        if (isExplained) {
+            explain();
+        } else {
+            bubble?.destroy();
+            bubble = null;
         }
     }
 }

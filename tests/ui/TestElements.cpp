@@ -56,6 +56,7 @@ private Q_SLOTS:
     void flowPlacesItsItems_data();
     void flowPlacesItsItems();
     void aPillCountsOnlyWhileItIsSeen();
+    void aButtonGivesWayAndIsAsItWas();
     void chipsShowTheFirstAndThenAll();
 
 private:
@@ -255,6 +256,42 @@ void TestElements::aPillCountsOnlyWhileItIsSeen()
     view->show();
     view.reset();
     QVERIFY(!m_countdown->isRunning());
+}
+
+void TestElements::aButtonGivesWayAndIsAsItWas()
+{
+    const WarningCount warnings;
+    m_appearance.lessMotion = true;
+    Q_EMIT m_appearance.changed();
+    const auto view = m_scene.makeView(QUrl(u"qrc:/qt/qml/Kestrel/Ui/IconButton.qml"_s),
+                                       { { u"symbol"_s, u"gearshape"_s }, { u"toolTip"_s, u"Settings"_s } });
+    QVERIFY(view);
+    view->setPosition(100, 100); // not under the pointer
+    view->show();
+    QVERIFY(QTest::qWaitForWindowActive(view.get()));
+    QQuickItem &button = *view->rootObject();
+    const auto made = [&button](const char *name) { return button.property(name).value<QObject *>(); };
+    const qsizetype children = button.childItems().size();
+    QVERIFY(!made("overlay") && !made("bubble"));
+
+    button.forceActiveFocus(Qt::TabFocusReason);
+    QVERIFY(made("overlay") && made("bubble"));
+    QCOMPARE(button.scale(), 1.0);
+    button.setFocus(false, Qt::TabFocusReason);
+    QVERIFY(!made("overlay") && !made("bubble"));
+    for (int press = 0; press < 2; ++press) {
+        QTest::mousePress(view.get(), Qt::LeftButton, {}, { 5, 5 });
+        QVERIFY(made("overlay"));
+        QCOMPARE(button.scale(), 0.97);
+        QTest::mouseRelease(view.get(), Qt::LeftButton, {}, { 5, 5 });
+        QVERIFY(!made("overlay"));
+        QCOMPARE(button.scale(), 1.0);
+    }
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    QCOMPARE(button.childItems().size(), children);
+    QCOMPARE(WarningCount::seen, 0);
+    m_appearance.lessMotion = false;
+    Q_EMIT m_appearance.changed();
 }
 
 void TestElements::chipsShowTheFirstAndThenAll()
