@@ -29,7 +29,12 @@ Pressable {
         root.tapped();
     }
 
-    background: Item {
+    background: SmoothRectangle {
+        color: root.prominent ? Theme.joinGreen
+            : Colors.glass(Theme.card, root.item.hasTint ? root.item.tint : Theme.accent, true, Theme.glassAllowed)
+        edge: root.prominent ? "transparent" : Theme.hairline
+        radius: root.radius
+
         Repeater {
             // a soft edge, 18 % black at its darkest, 2 px down
             model: root.prominent ? 6 : 0
@@ -44,28 +49,14 @@ Pressable {
                 anchors.rightMargin: -index
                 radius: root.radius + index
                 color: Qt.rgba(0, 0, 0, 0.032)
-            }
-        }
-        SmoothRectangle {
-            anchors.fill: parent
-            visible: root.prominent
-            radius: root.radius
-            color: Theme.joinGreen
-        }
-        Loader {
-            anchors.fill: parent
-            active: !root.prominent
-            sourceComponent: GlassSurface {
-                tinted: true
-                tint: root.item.hasTint ? root.item.tint : Theme.accent
-                radius: root.radius
+                z: -1
             }
         }
     }
 
     contentItem: Item {
         implicitWidth: symbol.width + (root.compact ? 0 : Metrics.space1 + label.implicitWidth)
-        implicitHeight: Math.max(symbol.height, label.visible ? label.implicitHeight : 0)
+        implicitHeight: Math.max(symbol.height, label.implicitHeight)
 
         Symbol {
             id: symbol
@@ -75,18 +66,20 @@ Pressable {
             size: 13
             color: root.ink
         }
-        PlainLabel {
+        Loader {
             id: label
 
             anchors.verticalCenter: parent.verticalCenter
             anchors.left: symbol.right
             anchors.leftMargin: Metrics.space1
             anchors.right: parent.right
-            visible: !root.compact
-            text: root.item.joinText
-            rounded: true
-            weight: root.prominent ? Font.DemiBold : Font.Normal
-            color: root.ink
+            active: !root.compact
+            sourceComponent: PlainLabel {
+                text: root.item.joinText
+                rounded: true
+                weight: root.prominent ? Font.DemiBold : Font.Normal
+                color: root.ink
+            }
         }
     }
 }

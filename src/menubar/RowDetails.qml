@@ -38,13 +38,25 @@ Item {
         anchors.verticalCenter: parent.verticalCenter
         spacing: Metrics.space1
 
-        DetailPart {
-            text: root.item.durationText
+        PlainLabel {
+            text: "·"
+            size: Metrics.textSmall
+            rounded: true
+            color: Theme.secondaryText
         }
-        DetailPart {
-            visible: text !== ""
-            symbol: "person.2"
-            text: root.item.attendeeCount
+        PlainLabel {
+            text: root.item.durationText
+            size: Metrics.textSmall
+            rounded: true
+            color: Theme.secondaryText
+        }
+        Loader {
+            active: root.item.attendeeCount !== ""
+            visible: active
+            sourceComponent: DetailPart {
+                symbol: "person.2"
+                text: root.item.attendeeCount
+            }
         }
     }
 }

@@ -9,7 +9,6 @@ SmoothRectangle {
     property color fallback: Theme.accent
     property real minimumHeight: 0
 
-    Accessible.ignored: true
     color: Colors.stripe(colorHex, fallback)
     implicitHeight: minimumHeight
     implicitWidth: 4

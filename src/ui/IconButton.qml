@@ -16,15 +16,9 @@ Pressable {
         color: root.hovered ? Theme.hairline : "transparent"
         radius: root.radius
     }
-    contentItem: Item {
-        implicitHeight: root.size
-        implicitWidth: root.size
-
-        Symbol {
-            anchors.centerIn: parent
-            color: root.color
-            name: root.symbol
-            size: root.size
-        }
+    contentItem: Symbol {
+        color: root.color
+        name: root.symbol
+        size: root.size
     }
 }

@@ -5,7 +5,6 @@ import Kestrel.Ui
 SymbolItem {
     id: root
 
-    Accessible.ignored: true
     color: Theme.text
     size: Metrics.textBody
 }
