@@ -22,10 +22,10 @@
 #include "support/FakeNotifications.h"
 #include "support/FakePreferenceStore.h"
 #include "support/FakeUrlOpener.h"
+#include "ui/QuickScene.h"
 #include <QDir>
 #include <QElapsedTimer>
 #include <QEventLoop>
-#include <QFontMetricsF>
 #include <QGuiApplication>
 #include <QLoggingCategory>
 #include <QQuickWindow>
@@ -90,7 +90,7 @@ struct Day
             meetings.append(meeting(i, clock.now() - 10min + i * 20min));
         store.replace(u"account"_s, meetings);
         // as Kestrel does some seconds after its start
-        benchmark::DoNotOptimize(QFontMetricsF(QGuiApplication::font()).height());
+        services.scene.prepare();
     }
 
     std::unique_ptr<Desktop> desktop = Desktop::make(true, place());

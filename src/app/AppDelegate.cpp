@@ -5,11 +5,9 @@
 #include "platform/PreferenceStore.h"
 #include "platform/Screens.h"
 #include "platform/StatusItemHost.h"
+#include "ui/QuickScene.h"
 #include "ui/Theme.h"
-#include <QFontMetricsF>
-#include <QGuiApplication>
 #include <QTimer>
-#include <tuple>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -100,11 +98,11 @@ AppDelegate::AppDelegate(PreferenceStore &preferenceStore, const AuthServices &s
     connect(&m_environment.registry(), &AccountRegistry::accountsChanged, this, &AppDelegate::statusChanged);
     connect(&m_environment.google(), &GoogleProvider::signedInChanged, this, &AppDelegate::statusChanged);
 
-    // the first question about a font reads the whole collection: in a quiet moment, not on the first click
-    QTimer::singleShot(3s, this, [hasScreen = desktop.screens.mainFrame().has_value()] {
-        if (hasScreen)
-            std::ignore = QFontMetricsF(QGuiApplication::font()).height();
-    });
+    QTimer::singleShot(3s, this,
+                       [hasScreen = desktop.screens.mainFrame().has_value(), &scene = desktop.scene] {
+                           if (hasScreen)
+                               scene.prepare();
+                       });
     qCInfo(lcApp).noquote() << "Kestrel launched";
 }
 

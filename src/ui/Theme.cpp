@@ -128,12 +128,12 @@ bool Theme::motionAllowed() const
     return !m_appearance.reducesMotion();
 }
 
-QString Theme::family() const
+QString Theme::family()
 {
     return QGuiApplication::font().family();
 }
 
-QString Theme::roundedFamily() const
+QString Theme::roundedFamily()
 {
     static const QString found = [] {
         const QStringList installed = QFontDatabase::families();

@@ -71,9 +71,9 @@ public:
     [[nodiscard]] bool motionAllowed() const;
 
     /// The desktop's interface font.
-    [[nodiscard]] QString family() const;
+    [[nodiscard]] static QString family();
     /// An installed rounded family, else the interface font.
-    [[nodiscard]] QString roundedFamily() const;
+    [[nodiscard]] static QString roundedFamily();
     /// How wide `text` gets at most when other digits stand in the places of its digits.
     [[nodiscard]] Q_INVOKABLE qreal widthForAnyDigits(const QString &text, const QFont &font) const;
 
