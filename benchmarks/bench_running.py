@@ -153,6 +153,9 @@ def main():
             kestrel.done("show")
             time.sleep(5)
             line("memory, after agenda and card", memory(kestrel.process.pid), "MB", 48)
+            kestrel.done("settings")
+            time.sleep(5)
+            line("memory, after settings, agenda and card", memory(kestrel.process.pid), "MB", 60)
         kestrel.stop()
         if "start" in parts:
             command = [str(BIN / "kestrel"), *kestrel.options]
