@@ -1,5 +1,5 @@
 #pragma once
-#include "helper/Awaited.h"
+#include "base/Awaited.h"
 #include <QByteArray>
 #include <QElapsedTimer>
 #include <QHash>
