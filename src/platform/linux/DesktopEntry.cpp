@@ -27,6 +27,14 @@ QString unescaped(const QString &value)
     return text;
 }
 
+QString escaped(QString text)
+{
+    return text.replace(u'\\', "\\\\"_L1)
+        .replace(u'\n', "\\n"_L1)
+        .replace(u'\t', "\\t"_L1)
+        .replace(u'\r', "\\r"_L1);
+}
+
 } // namespace
 
 QString desktopEntryValue(const QString &path, QLatin1StringView key)
@@ -94,6 +102,28 @@ std::expected<QStringList, QString> execArguments(const QString &exec)
     if (arguments.isEmpty() || arguments.first().isEmpty())
         return std::unexpected(u"Exec names no program"_s);
     return arguments;
+}
+
+std::optional<QByteArray> withProgram(const QByteArray &entry, const QString &program)
+{
+    // the format knows no way to write '=' in Exec, and GLib does not find a program with '%'
+    if (!program.startsWith(u'/') || program.contains(u'=') || program.contains(u'%'))
+        return {};
+    QString quoted = program;
+    for (const auto *special : { "\\", "\"", "`", "$" })
+        quoted.replace(QLatin1StringView(special), u'\\' + QLatin1StringView(special));
+    const QString exec = escaped(u'"' + quoted + u'"');
+
+    QStringList lines = QString::fromUtf8(entry).split(u'\n');
+    for (QString &line : lines) {
+        if (line.startsWith("TryExec="_L1)) {
+            line = u"TryExec="_s + escaped(program);
+        } else if (line.startsWith("Exec="_L1)) {
+            const qsizetype end = line.indexOf(u' ');
+            line = u"Exec="_s + exec + (end < 0 ? QString() : line.mid(end));
+        }
+    }
+    return lines.join(u'\n').toUtf8();
 }
 
 } // namespace kestrel

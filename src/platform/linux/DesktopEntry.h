@@ -1,8 +1,10 @@
 #pragma once
+#include <QByteArray>
 #include <QLatin1StringView>
 #include <QString>
 #include <QStringList>
 #include <expected>
+#include <optional>
 
 namespace kestrel {
 
@@ -13,5 +15,9 @@ namespace kestrel {
 /// file or address to pass: field codes that stand for one go, as do icon, name and the entry's own path. The
 /// error is a description.
 [[nodiscard]] std::expected<QStringList, QString> execArguments(const QString &exec);
+
+/// The .desktop file `entry` with the absolute path of its program in the place of its name, so that it is
+/// found however the session's PATH is. Nothing when no entry can name that path.
+[[nodiscard]] std::optional<QByteArray> withProgram(const QByteArray &entry, const QString &program);
 
 } // namespace kestrel

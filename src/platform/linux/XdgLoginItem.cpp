@@ -1,5 +1,6 @@
 #include "platform/linux/XdgLoginItem.h"
 #include "base/AppIdentifier.h"
+#include "platform/linux/DesktopEntry.h"
 #include "platform/linux/PrivateFile.h"
 #include <QDir>
 #include <QFile>
@@ -11,23 +12,6 @@ using namespace Qt::StringLiterals;
 namespace kestrel {
 
 namespace {
-
-// The escapes are those of desktop entries (freedesktop.org): those of every string value, and inside them
-// those of a quoted argument of Exec.
-QString stringValue(QString text)
-{
-    return text.replace(u'\\', "\\\\"_L1)
-        .replace(u'\n', "\\n"_L1)
-        .replace(u'\t', "\\t"_L1)
-        .replace(u'\r', "\\r"_L1);
-}
-
-QString execArgument(QString argument)
-{
-    for (const auto *special : { "\\", "\"", "`", "$" })
-        argument.replace(QLatin1StringView(special), u'\\' + QLatin1StringView(special));
-    return stringValue(u'"' + argument + u'"');
-}
 
 /// The entry as it is installed for others to read; its program is found through PATH.
 QByteArray autostartTemplate()
@@ -82,21 +66,9 @@ std::expected<void, QString> XdgLoginItem::setEnabled(bool enabled)
 
 std::expected<QByteArray, QString> XdgLoginItem::content() const
 {
-    // the Desktop Entry format knows no way to write '=', and GLib does not find a program with '%'
-    if (!m_program.startsWith(u'/') || m_program.contains(u'=') || m_program.contains(u'%'))
-        return std::unexpected(u"no autostart entry can name the program %1"_s.arg(m_program));
-    QByteArray entry;
-    for (const QByteArray &line : autostartTemplate().split('\n')) {
-        if (line.startsWith("Exec="))
-            entry += "Exec=" + execArgument(m_program).toUtf8();
-        else if (line.startsWith("TryExec="))
-            entry += "TryExec=" + stringValue(m_program).toUtf8();
-        else
-            entry += line;
-        entry += '\n';
-    }
-    entry.chop(1);
-    return entry;
+    if (const auto named = withProgram(autostartTemplate(), m_program))
+        return *named;
+    return std::unexpected(u"no autostart entry can name the program %1"_s.arg(m_program));
 }
 
 } // namespace kestrel
