@@ -1,6 +1,7 @@
 #include "meet/DBusHelperChannel.h"
 #include "base/Log.h"
 #include "meet/protocol/HelperNames.h"
+#include "meet/protocol/ServiceFile.h"
 #include <QCoro/QCoroDBusPendingCall>
 #include <QCoro/QCoroSignal>
 #include <QDBusServiceWatcher>
@@ -25,13 +26,6 @@ QDBusMessage busCall(const QString &method)
 {
     return QDBusMessage::createMethodCall(u"org.freedesktop.DBus"_s, u"/org/freedesktop/DBus"_s,
                                           u"org.freedesktop.DBus"_s, method);
-}
-
-/// Bus daemons split Exec like a shell. Some read backslashes as escapes before they do, and some do not, so
-/// that none is used.
-QString quoted(QString word)
-{
-    return u'\'' + word.replace(u'\'', u"'\"'\"'"_s) + u'\'';
 }
 
 /// Whether the call was never delivered, so that it may be made again.
@@ -170,11 +164,9 @@ void DBusHelperChannel::writeServiceFile()
     // the place where buses look for the services of one session (dbus-daemon(1),
     // standard_session_servicedirs)
     const QString runtime = qEnvironmentVariable("XDG_RUNTIME_DIR");
-    QStringList words { quoted(m_program.path), u"--instance"_s, quoted(m_instance) };
-    for (const QString &argument : m_program.arguments)
-        words.append(quoted(argument));
-    const QString exec = words.join(u' ').replace(u'\\', u"\\\\"_s);
-    if (runtime.isEmpty() || exec.contains(u'\n'))
+    const QByteArray content = serviceFile(
+        m_name, QStringList { m_program.path, u"--instance"_s, m_instance } + m_program.arguments);
+    if (runtime.isEmpty() || content.isEmpty())
         return;
     const QString folder = runtime + u"/dbus-1/services"_s;
     const QString path = folder + u'/' + m_name + u".service"_s;
@@ -183,7 +175,7 @@ void DBusHelperChannel::writeServiceFile()
         qCWarning(lcApp).noquote() << "the browser helper cannot be made known to the bus:" << path;
         return;
     }
-    file.write(u"[D-BUS Service]\nName=%1\nExec=%2\n"_s.arg(m_name, exec).toUtf8());
+    file.write(content);
     if (file.commit())
         m_serviceFile = path;
 }
