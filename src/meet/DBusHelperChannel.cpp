@@ -43,8 +43,10 @@ HelperError errorOf(const QDBusMessage &reply)
                                        u"org.freedesktop.DBus.Error.UnknownObject"_s,
                                        u"org.freedesktop.DBus.Error.InvalidSignature"_s,
                                        u"org.freedesktop.DBus.Error.InvalidArgs"_s };
-    return { unknown.contains(reply.errorName()) ? HelperError::Kind::NotOurProtocol
-                                                 : HelperError::Kind::Unreachable,
+    using Kind = HelperError::Kind;
+    return { unknown.contains(reply.errorName())      ? Kind::NotOurProtocol
+                 : wasNotDelivered(reply.errorName()) ? Kind::Missing
+                                                      : Kind::Unreachable,
              reply.errorMessage() };
 }
 
@@ -121,7 +123,7 @@ HelperChannel::Answer<QVariantList> DBusHelperChannel::call(QString method, QVar
     if (self && wasNotDelivered(reply.errorName())) {
         if (!QFileInfo(m_program.path).isExecutable()) {
             co_return std::unexpected(
-                HelperError { HelperError::Kind::Unreachable,
+                HelperError { HelperError::Kind::Missing,
                               u"the browser helper is missing, or may not be run: "_s + m_program.path });
         }
         co_await provide();

@@ -27,7 +27,7 @@ QCoro::Task<void> closeTab(HelperChannel &helper)
 {
     const auto reply = co_await helper.closeChromeTab(meetTabMarker);
     if (!reply) {
-        if (reply.error().kind == HelperError::Kind::Unreachable)
+        if (reply.error().kind != HelperError::Kind::NotOurProtocol)
             qCCritical(lcApp).noquote() << "close tab XPC error:" << errorForLog(reply.error().description);
     } else if (reply->error) {
         qCCritical(lcApp).noquote() << "close Meet tab failed:" << errorForLog(*reply->error);

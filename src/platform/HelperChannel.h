@@ -29,7 +29,8 @@ struct HelperScriptReply
 struct HelperError
 {
     enum class Kind {
-        Unreachable, ///< no helper, or it went before it answered
+        Missing, ///< there is no helper, or none that starts
+        Unreachable, ///< it went before it answered, or the bus did
         NotOurProtocol, ///< somebody answers to its name who does not know the operation
     };
 

@@ -296,7 +296,7 @@ private Q_SLOTS:
         QVERIFY(!QFile::exists(file));
     }
 
-    void aProgramThatIsNotThereIsUnreachable()
+    void aProgramThatIsNotThereIsMissing()
     {
         for (const QString &configuration : { QString(), QStringLiteral(EMPTY_BUS) }) {
             Session session(configuration);
@@ -304,7 +304,7 @@ private Q_SLOTS:
             const auto reply = started(channel.executeJSInChromeTab(meetTabMarker, click, false));
             QVERIFY(hasCome(reply));
             QVERIFY(!(*reply)->has_value());
-            QVERIFY((*reply)->error().kind == HelperError::Kind::Unreachable);
+            QVERIFY((*reply)->error().kind == HelperError::Kind::Missing);
         }
     }
 

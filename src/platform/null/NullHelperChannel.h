@@ -31,7 +31,7 @@ public:
 private:
     static HelperError notInstalled()
     {
-        return { HelperError::Kind::Unreachable, QStringLiteral("The browser helper is not installed") };
+        return { HelperError::Kind::Missing, QStringLiteral("The browser helper is not installed") };
     }
 };
 
