@@ -1,4 +1,5 @@
 #include "helper/BrowserHelper.h"
+#include "base/Awaited.h"
 #include "base/Log.h"
 #include "chromelauncheradaptor.h"
 #include "helper/BundleInstaller.h"
@@ -7,6 +8,8 @@
 #include <QCoro/QCoroDBusPendingCall>
 #include <QDBusConnectionInterface>
 #include <QDir>
+#include <QFile>
+#include <QFileInfo>
 #include <QThread>
 #include <unistd.h>
 
@@ -17,8 +20,7 @@ namespace kestrel {
 
 namespace {
 
-constexpr auto installPatience = 28s; ///< Kestrel waits for 30
-constexpr auto leavePatience = 15s;
+constexpr auto installPatience = 25s; ///< Kestrel waits for 30, and the copy is started within
 
 /// D-Bus has no absent values.
 QStringList optional(const std::optional<QString> &text)
@@ -26,11 +28,17 @@ QStringList optional(const std::optional<QString> &text)
     return text ? QStringList { *text } : QStringList();
 }
 
-QDBusMessage busCall(const QString &method, const QString &name)
+QVariantList refusal(const QString &error)
 {
-    return QDBusMessage::createMethodCall(u"org.freedesktop.DBus"_s, u"/org/freedesktop/DBus"_s,
-                                          u"org.freedesktop.DBus"_s, method)
-        << name;
+    return { false, QStringList { error } };
+}
+
+QDBusMessage busCall(const QString &method, const QVariantList &arguments = {})
+{
+    QDBusMessage call = QDBusMessage::createMethodCall(u"org.freedesktop.DBus"_s, u"/org/freedesktop/DBus"_s,
+                                                       u"org.freedesktop.DBus"_s, method);
+    call.setArguments(arguments);
+    return call;
 }
 
 } // namespace
@@ -69,6 +77,8 @@ void BrowserHelper::rest()
         return;
     if (m_isLeaving)
         QCoreApplication::quit();
+    else if (m_hasInstalled)
+        leave(); // nobody can remove a medium that we run from
     else
         m_idle.start();
 }
@@ -94,7 +104,8 @@ bool BrowserHelper::OpenInChromeAppMode(const QString &chromePath, const QString
 
 bool BrowserHelper::InstallAppBundle(const QString &sourcePath, const QString &destinationPath, QStringList &)
 {
-    answerLater([=, this] { return install(sourcePath, destinationPath); });
+    const QString caller = message().service();
+    answerLater([=, this] { return install(caller, sourcePath, destinationPath); });
     return false;
 }
 
@@ -134,8 +145,8 @@ QCoro::Task<bool> BrowserHelper::mayAsk(QString caller)
 {
     if (!m_owner.isEmpty() && caller == m_owner)
         co_return true;
-    const auto owner = m_bus.asyncCall(busCall(u"GetNameOwner"_s, m_options.instance));
-    const auto user = m_bus.asyncCall(busCall(u"GetConnectionUnixUser"_s, caller));
+    const auto owner = m_bus.asyncCall(busCall(u"GetNameOwner"_s, { m_options.instance }));
+    const auto user = m_bus.asyncCall(busCall(u"GetConnectionUnixUser"_s, { caller }));
     const QDBusMessage ownerAnswer = co_await owner;
     const QDBusMessage userAnswer = co_await user;
     if (ownerAnswer.type() != QDBusMessage::ReplyMessage || userAnswer.type() != QDBusMessage::ReplyMessage
@@ -164,43 +175,47 @@ BrowserHelper::Answer BrowserHelper::close(QString marker)
     co_return { reply.ok, optional(reply.error) };
 }
 
-BrowserHelper::Answer BrowserHelper::install(QString source, QString destination)
+QCoro::Task<QString> BrowserHelper::programOf(QString caller)
 {
-    if (QDir::cleanPath(destination) != m_options.installDestination) {
-        co_return { false,
-                    QStringList { u"Kestrel is installed to %1 only"_s.arg(m_options.installDestination) } };
-    }
+    const QDBusMessage answer =
+        co_await m_bus.asyncCall(busCall(u"GetConnectionUnixProcessID"_s, { caller }));
+    const uint pid = answer.arguments().value(0).toUInt();
+    co_return QFile::symLinkTarget(u"/proc/%1/exe"_s.arg(pid));
+}
+
+BrowserHelper::Answer BrowserHelper::install(QString caller, QString source, QString destination)
+{
+    const InstallPlaces &places = m_options.install;
+    if (QDir::cleanPath(destination) != places.destination)
+        co_return refusal(u"Kestrel is installed to %1 only"_s.arg(places.destination));
+    const QString folder = QFileInfo(source).canonicalFilePath();
+    if (folder.isEmpty() || !(co_await programOf(caller)).startsWith(folder + u'/'))
+        co_return refusal(u"%1 is not the folder of the Kestrel that is running"_s.arg(source));
+
     const auto outcome = std::make_shared<std::expected<void, QString>>();
     // scripts go on being run meanwhile
     std::unique_ptr<QThread> thread(QThread::create(
-        [outcome, source, destination] { *outcome = installBundle(source, destination, installPatience); }));
+        [outcome, folder, places] { *outcome = installBundle(folder, places, installPatience); }));
     const Awaited<bool> finished;
     connect(thread.get(), &QThread::finished, this, [finished] { finished.settle(true); });
     thread->start();
     co_await finished;
     thread->wait();
     if (!*outcome)
-        co_return { false, QStringList { outcome->error() } };
-    startTask("start the installed copy", startInstalled());
-    co_return { true, QStringList() };
-}
+        co_return refusal(outcome->error());
+    // not every bus watches a folder that was not there when it started
+    co_await m_bus.asyncCall(busCall(u"ReloadConfig"_s));
 
-QCoro::Task<void> BrowserHelper::startInstalled()
-{
-    ++m_underWay;
-    const Awaited<bool> left;
-    const auto watch =
-        connect(&m_instance, &QDBusServiceWatcher::serviceUnregistered, this, [left] { left.settle(true); });
-    const auto hasLeft = co_await within(leavePatience, left);
-    disconnect(watch);
-    if (hasLeft) {
-        const auto process = co_await startProcess(
-            m_bus, { m_options.installDestination + u"/bin/kestrel"_s, u"--kestrel-just-installed"_s });
-        if (!process)
-            qCWarning(lcApp).noquote() << "the installed copy did not start:" << errorForLog(process.error());
-    }
-    --m_underWay;
-    rest();
+    // It waits until whoever asked has left. By then we may have lost the very file that we run from: an
+    // image goes with its program.
+    const auto process = co_await startProcess(
+        m_bus,
+        QStringList { places.destination + u"/bin/kestrel"_s, u"--kestrel-just-installed"_s }
+            + m_options.startArguments);
+    if (!process)
+        co_return refusal(u"Kestrel was installed, but does not start. %1"_s.arg(process.error()));
+    m_hasInstalled = true;
+    co_return { true, QStringList() };
 }
 
 } // namespace kestrel

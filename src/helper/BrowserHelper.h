@@ -2,6 +2,7 @@
 #include "helper/AppModeWindows.h"
 #include "helper/MeetTabs.h"
 #include "helper/RelayDirectory.h"
+#include "platform/InstallPlaces.h"
 #include <QDBusConnection>
 #include <QDBusContext>
 #include <QDBusMessage>
@@ -18,7 +19,8 @@ struct HelperOptions
     QString instance; ///< the bus name of the Kestrel that we belong to
     QString socketFolder; ///< of the browsers' relays
     AppModeWindows::Place windows;
-    QString installDestination; ///< the one folder that the application is installed to
+    InstallPlaces install; ///< the one place that the application is installed to
+    QStringList startArguments; ///< of the installed copy, besides that it is fresh
     std::chrono::milliseconds idle {}; ///< without calls, after which we end
 };
 
@@ -52,11 +54,11 @@ private:
     QCoro::Task<void> answer(QDBusMessage call, std::function<Answer()> work);
     [[nodiscard]] QCoro::Task<bool> mayAsk(QString caller);
     [[nodiscard]] Answer open(QString chromePath, QString url, QSize size);
-    [[nodiscard]] Answer install(QString source, QString destination);
+    [[nodiscard]] Answer install(QString caller, QString source, QString destination);
     [[nodiscard]] Answer run(QString marker, QString source, bool activate);
     [[nodiscard]] Answer close(QString marker);
-    /// Once the Kestrel that asked for its copy has left.
-    QCoro::Task<void> startInstalled();
+    /// The path of the program that stands behind a name on the bus.
+    [[nodiscard]] QCoro::Task<QString> programOf(QString caller);
     void rest();
 
     HelperOptions m_options;
@@ -68,6 +70,7 @@ private:
     AppModeWindows m_windows;
     QTimer m_idle;
     int m_underWay = 0;
+    bool m_hasInstalled = false;
     bool m_isLeaving = false;
 };
 

@@ -1,4 +1,6 @@
 #include "helper/BundleInstaller.h"
+#include "base/AppIdentifier.h"
+#include "helper/DesktopIntegration.h"
 #include "platform/linux/PrivateFile.h"
 #include <QDir>
 #include <QElapsedTimer>
@@ -140,9 +142,14 @@ Outcome checkSource(const QString &source, const QString &destination)
         return failure(source, errno);
     if (entry.st_uid != ::getuid() && entry.st_uid != 0)
         return std::unexpected(u"%1 belongs to somebody else"_s.arg(source));
-    const QFileInfo program(source + u"/bin/kestrel"_s);
-    if (!program.isFile() || !program.isExecutable())
-        return std::unexpected(u"%1 does not hold Kestrel"_s.arg(source));
+    for (const auto program : { "bin/kestrel"_L1, "libexec/kestrel/kestrel-browser-helper"_L1 }) {
+        const QFileInfo file(source + u'/' + program);
+        if (!file.isFile() || !file.isExecutable())
+            return std::unexpected(u"%1 does not hold Kestrel: there is no %2"_s.arg(source, program));
+    }
+    const QString menu = u"share/applications/%1.desktop"_s.arg(AppIdentifier);
+    if (!QFileInfo(source + u'/' + menu).isFile())
+        return std::unexpected(u"%1 does not hold all of Kestrel: there is no %2"_s.arg(source, menu));
     const auto holds = [](const QString &one, const QString &other) {
         return (other + u'/').startsWith(one + u'/');
     };
@@ -196,10 +203,10 @@ Outcome swap(const QString &fresh, const QString &destination)
 
 } // namespace
 
-Outcome installBundle(const QString &source, const QString &destination, std::chrono::milliseconds patience)
+Outcome installBundle(const QString &source, const InstallPlaces &places, std::chrono::milliseconds patience)
 {
     const QString from = QFileInfo(source).canonicalFilePath();
-    const QString to = QDir::cleanPath(destination);
+    const QString to = QDir::cleanPath(places.destination);
     if (auto checked = checkSource(from.isEmpty() ? source : from, to); !checked)
         return checked;
     if (auto checked = checkDestination(to); !checked)
@@ -216,11 +223,18 @@ Outcome installBundle(const QString &source, const QString &destination, std::ch
     const auto cleanUp = qScopeGuard([&fresh] { removeAny(fresh); });
     Copy copy { from, patience, {} };
     copy.elapsed.start();
-    auto done = copyFolder(copy, from, fresh);
-    if (done)
-        done = swap(fresh, to);
-    if (!done)
-        return std::unexpected(u"Kestrel could not be copied. %1"_s.arg(done.error()));
+    if (const auto copied = copyFolder(copy, from, fresh); !copied)
+        return std::unexpected(u"Kestrel could not be copied. %1"_s.arg(copied.error()));
+    auto integration = DesktopIntegration::read(fresh, places);
+    if (!integration)
+        return std::unexpected(integration.error());
+    if (const auto written = integration->write(); !written)
+        return std::unexpected(u"Kestrel could not be put into the menu. %1"_s.arg(written.error()));
+    // last, because it cannot be half done
+    if (const auto swapped = swap(fresh, to); !swapped) {
+        integration->undo();
+        return std::unexpected(u"Kestrel could not be copied. %1"_s.arg(swapped.error()));
+    }
     return syncFolder(parent.path());
 }
 

@@ -124,14 +124,14 @@ Awaited<bool> moveToScope(const QDBusConnection &bus, pid_t pid)
     const QList<uint> pids { static_cast<uint>(pid) };
     const QList<UnitProperty> properties {
         { u"PIDs"_s, QDBusVariant(QVariant::fromValue(pids)) },
-        { u"Description"_s, QDBusVariant(u"Browser started by Kestrel"_s) },
+        { u"Description"_s, QDBusVariant(u"Started by Kestrel"_s) },
         { u"CollectMode"_s, QDBusVariant(u"inactive-or-failed"_s) },
     };
     QDBusMessage call =
         QDBusMessage::createMethodCall(u"org.freedesktop.systemd1"_s, u"/org/freedesktop/systemd1"_s,
                                        u"org.freedesktop.systemd1.Manager"_s, u"StartTransientUnit"_s);
     call.setAutoStartService(false);
-    call << u"app-kestrel-browser-%1.scope"_s.arg(pid) << u"fail"_s << QVariant::fromValue(properties)
+    call << u"app-kestrel-%1.scope"_s.arg(pid) << u"fail"_s << QVariant::fromValue(properties)
          << QVariant::fromValue(QList<FurtherUnit>());
     Awaited<bool> moved;
     auto *pending =

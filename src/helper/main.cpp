@@ -1,6 +1,7 @@
 #include "base/AppIdentifier.h"
 #include "base/Log.h"
 #include "helper/BrowserHelper.h"
+#include "platform/linux/HomeInstallPlaces.h"
 #include <QCommandLineParser>
 #include <QCoreApplication>
 #include <QDir>
@@ -40,15 +41,16 @@ HelperOptions readOptions(const QCoreApplication &application)
                                      store + u"/kestrel/browser-profile"_s);
     const QCommandLineOption relay(u"relay"_s, u"The relay program."_s, u"FILE"_s,
                                    QCoreApplication::applicationDirPath() + u"/kestrel-browser-relay"_s);
-    const QCommandLineOption destination(u"install-destination"_s,
-                                         u"The folder that Kestrel is installed to."_s, u"DIR"_s,
-                                         QDir::homePath() + u"/.local/opt/kestrel"_s);
+    const QCommandLineOption home(u"install-home"_s, u"Kestrel is installed below it, not for the person."_s,
+                                  u"DIR"_s);
+    const QCommandLineOption startWith(u"start-with"_s, u"A further argument of the installed Kestrel."_s,
+                                       u"ARGUMENT"_s);
     const QCommandLineOption idle(u"idle"_s, u"Ends after so long without a call."_s, u"SECONDS"_s, u"30"_s);
     QCommandLineParser parser;
     parser.setApplicationDescription(u"Drives browsers for Kestrel, which starts it on demand."_s);
     parser.addHelpOption();
     parser.addVersionOption();
-    parser.addOptions({ instance, preferences, sockets, profile, relay, destination, idle });
+    parser.addOptions({ instance, preferences, sockets, profile, relay, home, startWith, idle });
     parser.process(application);
 
     const auto path = [&parser](const QCommandLineOption &option) {
@@ -58,7 +60,8 @@ HelperOptions readOptions(const QCoreApplication &application)
     options.instance = parser.value(instance);
     options.socketFolder = path(sockets);
     options.windows = { path(preferences), path(profile), path(relay) };
-    options.installDestination = path(destination);
+    options.install = homeInstallPlaces(parser.isSet(home) ? path(home) : QString());
+    options.startArguments = parser.values(startWith);
     options.idle = std::chrono::milliseconds(static_cast<qint64>(parser.value(idle).toDouble() * 1000));
     return options;
 }
@@ -77,6 +80,8 @@ int main(int argc, char **argv)
     QCoreApplication::setApplicationName(u"kestrel-browser-helper"_s);
     QCoreApplication::setApplicationVersion(QStringLiteral(KESTREL_VERSION));
     HelperOptions options = readOptions(application);
+    // what we start outlives the medium that we may have been started from
+    QDir::setCurrent(QDir::homePath());
     installLog();
     // a relay that we start is to listen where we look
     qputenv("KESTREL_BROWSER_SOCKETS", QFile::encodeName(options.socketFolder));

@@ -28,7 +28,7 @@ struct Session
               kestrel, instance,
               { QStringLiteral(BROWSER_HELPER),
                 QStringList { u"--sockets"_s, sockets(), u"--preferences"_s, preferences(), u"--profile"_s,
-                              folder.filePath(u"profile"_s), u"--install-destination"_s, destination() }
+                              folder.filePath(u"profile"_s), u"--install-home"_s, folder.path() }
                     + options })
     {
         kestrel.registerService(instance);
@@ -36,7 +36,7 @@ struct Session
 
     [[nodiscard]] QString sockets() const { return folder.filePath(u"s"_s); }
     [[nodiscard]] QString preferences() const { return folder.filePath(u"it's $1.ini"_s); }
-    [[nodiscard]] QString destination() const { return folder.filePath(u"opt/kestrel"_s); }
+    [[nodiscard]] QString destination() const { return folder.filePath(u".local/opt/kestrel"_s); }
     [[nodiscard]] QString desktopFile() const
     {
         return folder.filePath(u"data/applications/chromium.desktop"_s);

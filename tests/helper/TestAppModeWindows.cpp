@@ -122,7 +122,7 @@ private Q_SLOTS:
                                 u"--window-size=1000,360"_s }));
         QCOMPARE(lines[0], lines[1]); // it leads a session
         QCOMPARE(systemd.signature, u"ssa(sv)a(sa(sv))"_s);
-        QCOMPARE(systemd.unit, u"app-kestrel-browser-%1.scope"_s.arg(lines[0]));
+        QCOMPARE(systemd.unit, u"app-kestrel-%1.scope"_s.arg(lines[0]));
         QVERIFY(systemd.isInTime);
         ::kill(static_cast<pid_t>(session.helperPid()), SIGKILL);
         QTRY_VERIFY_WITH_TIMEOUT(!session.isHelperThere(), 30000);
@@ -187,27 +187,6 @@ private Q_SLOTS:
         QCOMPARE(relay.requests.first()["url"_L1].toString(), address);
         QCOMPARE(relay.requests.first()["width"_L1].toInt(), 1000);
         QCOMPARE(relay.requests.first()["height"_L1].toInt(), 360);
-    }
-
-    void installsTheOneFolderAndStartsItWhenWeLeft()
-    {
-        Session session;
-        const QString source = session.folder.filePath(u"stick"_s);
-        QDir().mkpath(source + u"/bin"_s);
-        QVERIFY(QFile::rename(playBrowser(session, u"0"_s), source + u"/bin/kestrel"_s));
-
-        const auto elsewhere =
-            started(session.channel.installAppBundle(source, session.folder.filePath(u"x"_s)));
-        QVERIFY(hasCome(elsewhere));
-        QCOMPARE(describe(**elsewhere), u"Kestrel is installed to %1 only"_s.arg(session.destination()));
-        const auto reply = started(session.channel.installAppBundle(source, session.destination()));
-        QVERIFY(hasCome(reply));
-        QCOMPARE(describe(**reply), u"ok"_s);
-        QVERIFY(QFileInfo(session.destination() + u"/bin/kestrel"_s).isExecutable());
-        QVERIFY(written(session).isEmpty());
-        session.kestrel.unregisterService(instance);
-        QTRY_COMPARE_WITH_TIMEOUT(written(session).mid(2), QStringList { u"--kestrel-just-installed"_s },
-                                  30000);
     }
 };
 

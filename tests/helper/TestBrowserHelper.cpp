@@ -253,6 +253,31 @@ private Q_SLOTS:
         QCOMPARE(relay.requests.size(), asked);
     }
 
+    void installsOnlyWhoAsksAndOnlyToItsPlace_data()
+    {
+        QTest::addColumn<QString>("source");
+        QTest::addColumn<QString>("destination");
+        QTest::addColumn<QString>("error");
+        QTest::newRow("elsewhere") << QCoreApplication::applicationDirPath() << u"/opt/kestrel"_s
+                                   << u"is installed to"_s;
+        QTest::newRow("another folder") << u"/usr"_s << QString() << u"is not the folder of"_s;
+        QTest::newRow("not there") << u"/nowhere"_s << QString() << u"is not the folder of"_s;
+        QTest::newRow("the folder of whoever asks")
+            << QCoreApplication::applicationDirPath() << QString() << u"does not hold Kestrel"_s;
+    }
+    void installsOnlyWhoAsksAndOnlyToItsPlace()
+    {
+        QFETCH(QString, source);
+        QFETCH(QString, destination);
+        QFETCH(QString, error);
+        Session session;
+        const auto reply = started(session.channel.installAppBundle(
+            source, destination.isEmpty() ? session.destination() : destination));
+        QVERIFY(hasCome(reply));
+        QVERIFY2(describe(**reply).contains(error), qPrintable(describe(**reply)));
+        QVERIFY(!QFile::exists(session.destination()));
+    }
+
     void killedInTheMiddleItIsStartedAnew()
     {
         Session session;
