@@ -284,6 +284,38 @@ Afterwards, “kestrel browser status” in a terminal says whether everything i
             <numerusform>%n seconds ago</numerusform>
         </translation>
     </message>
+    <message id="selfInstaller.failed">
+        <source>selfInstaller.failed</source>
+        <translation>Couldn’t install Kestrel</translation>
+    </message>
+    <message id="selfInstaller.install">
+        <source>selfInstaller.install</source>
+        <translation>Install</translation>
+    </message>
+    <message id="selfInstaller.message">
+        <source>selfInstaller.message</source>
+        <translation>Kestrel runs better from your home folder — it stays put when this drive or image goes away, and it can start by itself when you log in. It is copied to ~/.local; no password is needed.</translation>
+    </message>
+    <message id="selfInstaller.notNow">
+        <source>selfInstaller.notNow</source>
+        <translation>Not Now</translation>
+    </message>
+    <message id="selfInstaller.ok">
+        <source>selfInstaller.ok</source>
+        <translation>OK</translation>
+    </message>
+    <message id="selfInstaller.timedOut">
+        <source>selfInstaller.timedOut</source>
+        <translation>The install took too long and was cancelled.</translation>
+    </message>
+    <message id="selfInstaller.title">
+        <source>selfInstaller.title</source>
+        <translation>Install Kestrel on this computer?</translation>
+    </message>
+    <message id="selfInstaller.unavailable">
+        <source>selfInstaller.unavailable</source>
+        <translation>The install helper isn't available.</translation>
+    </message>
     <message id="settings.accounts.add_google">
         <source>settings.accounts.add_google</source>
         <translation>Add a Google account</translation>

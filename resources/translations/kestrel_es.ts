@@ -284,6 +284,38 @@ Después, «kestrel browser status» en un terminal te dirá si todo está listo
             <numerusform>hace %n segundos</numerusform>
         </translation>
     </message>
+    <message id="selfInstaller.failed">
+        <source>selfInstaller.failed</source>
+        <translation>No se ha podido instalar Kestrel</translation>
+    </message>
+    <message id="selfInstaller.install">
+        <source>selfInstaller.install</source>
+        <translation>Instalar</translation>
+    </message>
+    <message id="selfInstaller.message">
+        <source>selfInstaller.message</source>
+        <translation>Kestrel funciona mejor desde tu carpeta personal: sigue ahí cuando esta unidad o imagen desaparece y puede iniciarse solo al abrir la sesión. Se copia en ~/.local, sin necesidad de contraseña.</translation>
+    </message>
+    <message id="selfInstaller.notNow">
+        <source>selfInstaller.notNow</source>
+        <translation>Ahora no</translation>
+    </message>
+    <message id="selfInstaller.ok">
+        <source>selfInstaller.ok</source>
+        <translation>Aceptar</translation>
+    </message>
+    <message id="selfInstaller.timedOut">
+        <source>selfInstaller.timedOut</source>
+        <translation>La instalación ha tardado demasiado y se ha cancelado.</translation>
+    </message>
+    <message id="selfInstaller.title">
+        <source>selfInstaller.title</source>
+        <translation>¿Instalar Kestrel en este equipo?</translation>
+    </message>
+    <message id="selfInstaller.unavailable">
+        <source>selfInstaller.unavailable</source>
+        <translation>El asistente de instalación no está disponible.</translation>
+    </message>
     <message id="settings.accounts.add_google">
         <source>settings.accounts.add_google</source>
         <translation>Añadir una cuenta de Google</translation>

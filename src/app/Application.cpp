@@ -2,7 +2,9 @@
 #include "app/GoogleClientFile.h"
 #include "app/TerminationSignals.h"
 #include "base/Log.h"
+#include "base/StartTask.h"
 #include "command/HandOver.h"
+#include "platform/Screens.h"
 #include "platform/linux/DBusSessionInstance.h"
 #include "platform/linux/DesktopUrlOpener.h"
 #include "platform/linux/FileSecretStore.h"
@@ -11,6 +13,8 @@
 #include "platform/linux/SecretServiceStore.h"
 #include "platform/linux/SystemConnectivity.h"
 #include <QCoreApplication>
+#include <QPointer>
+#include <QThread>
 
 using namespace Qt::StringLiterals;
 
@@ -50,6 +54,8 @@ Application::Application(const CommandLine &line, InstancePlace place, GoogleCli
     , m_instance(std::make_unique<DBusSessionInstance>(m_place.busName))
     , m_preferenceStore(std::make_unique<IniPreferenceStore>(m_place.preferencesFile))
 {
+    if (!m_line.secretStore.isEmpty())
+        m_place.startArguments += { u"--secret-store"_s, m_line.secretStore };
     m_language.apply(*m_preferenceStore);
     QObject::connect(m_preferenceStore.get(), &PreferenceStore::changedElsewhere, m_preferenceStore.get(),
                      [this] { followLanguage(); });
@@ -96,13 +102,27 @@ void Application::makeAccounts()
         std::make_unique<Verbs>(*m_registry, *m_google, missingClientMessage(m_place.clientFile, m_client));
 }
 
+SessionInstance::Claim Application::claim()
+{
+    const auto tryOnce = [this] {
+        return m_instance->claim([this](QStringList arguments) { return carriedOut(std::move(arguments)); });
+    };
+    auto claimed = tryOnce();
+    // the Kestrel that we were copied from leaves in a moment
+    for (int turn = 0; turn < 150 && claimed == SessionInstance::Claim::Taken && m_line.justInstalled;
+         ++turn) {
+        QThread::msleep(100);
+        claimed = tryOnce();
+    }
+    return claimed;
+}
+
 int Application::run()
 {
-    const auto claim =
-        m_instance->claim([this](QStringList arguments) { return carriedOut(std::move(arguments)); });
-    if (claim == SessionInstance::Claim::Taken)
+    const auto claimed = claim();
+    if (claimed == SessionInstance::Claim::Taken)
         return runVerb();
-    if (claim == SessionInstance::Claim::Unreachable)
+    if (claimed == SessionInstance::Claim::Unreachable)
         return printResult(failure(ExitCode::Failed, noBusMessage));
 
     const TerminationSignals signals;
@@ -111,6 +131,31 @@ int Application::run()
         QCoreApplication::exit(ExitCode::Failed);
     });
     m_desktop = Desktop::make(m_hasDisplay, m_place);
+    startTask("launch", launch());
+    const int exitCode = QCoreApplication::exec();
+    m_selfInstaller.reset(); // before the notice, whose last question is answered when it goes
+    m_verbs.reset();
+    m_delegate.reset();
+    return exitCode;
+}
+
+QCoro::Task<void> Application::launch()
+{
+    const DesktopServices desktop = m_desktop->services();
+    // what nobody can see nobody has declined
+    if (desktop.screens.mainVisibleFrame()) {
+        m_selfInstaller = std::make_unique<SelfInstaller>(installPrefix(), m_place.install, desktop.notice,
+                                                          desktop.helper, *m_preferenceStore);
+        const QPointer asked(m_selfInstaller.get());
+        const bool isLeaving = co_await m_selfInstaller->offerIfNeeded();
+        if (!asked || isLeaving)
+            co_return;
+    }
+    makeDelegate();
+}
+
+void Application::makeDelegate()
+{
     m_delegate = std::make_unique<AppDelegate>(
         *m_preferenceStore, services(), m_desktop->services(),
         AppDelegate::Start { m_line.justInstalled, missingClientMessage(m_place.clientFile, m_client),
@@ -125,10 +170,7 @@ int Application::run()
     m_verbs->setDelegate(m_delegate.get());
     QObject::connect(m_delegate.get(), &AppDelegate::statusChanged, m_instance.get(),
                      &SessionInstance::announceChange);
-    const int exitCode = QCoreApplication::exec();
-    m_verbs.reset();
-    m_delegate.reset();
-    return exitCode;
+    m_instance->announceChange(); // whoever asked while we were starting asks again
 }
 
 QCoro::Task<VerbResult> Application::carriedOut(QStringList arguments)
@@ -152,11 +194,10 @@ QCoro::Task<VerbResult> Application::verbResult()
     // Listing reads the preferences alone and works beside anything; adding and removing are the instance's
     // business.
     if (m_line.arguments[0] != "list"_L1) {
-        const auto claim =
-            m_instance->claim([this](QStringList arguments) { return carriedOut(std::move(arguments)); });
-        if (claim == SessionInstance::Claim::Taken)
+        const auto claimed = claim();
+        if (claimed == SessionInstance::Claim::Taken)
             co_return co_await handedOver(*m_instance, m_line.forHandOver());
-        if (claim == SessionInstance::Claim::Unreachable)
+        if (claimed == SessionInstance::Claim::Unreachable)
             co_return failure(ExitCode::Failed, noBusMessage);
     }
     makeAccounts();

@@ -2,6 +2,7 @@
 #include "app/AppDelegate.h"
 #include "app/Desktop.h"
 #include "app/Language.h"
+#include "app/SelfInstaller.h"
 #include "app/Verbs.h"
 #include "base/Clock.h"
 #include "command/CommandLine.h"
@@ -31,8 +32,13 @@ public:
     [[nodiscard]] int runVerb();
 
 private:
+    /// Takes the instance's name.
+    [[nodiscard]] SessionInstance::Claim claim();
     /// A verb that another process has handed over.
     [[nodiscard]] QCoro::Task<VerbResult> carriedOut(QStringList arguments);
+    /// What comes first asks the person and may end it all; then everything that runs.
+    QCoro::Task<void> launch();
+    void makeDelegate();
     [[nodiscard]] QCoro::Task<VerbResult> verbResult();
     /// The accounts and their sign-in, without the refresh loop.
     void makeAccounts();
@@ -54,6 +60,7 @@ private:
     std::unique_ptr<AccountRegistry> m_registry; ///< only while a verb works without the environment
     std::unique_ptr<GoogleProvider> m_google; ///< likewise
     std::unique_ptr<Desktop> m_desktop; ///< only while Kestrel itself runs, as the next one
+    std::unique_ptr<SelfInstaller> m_selfInstaller;
     std::unique_ptr<AppDelegate> m_delegate;
     std::unique_ptr<Verbs> m_verbs;
 };

@@ -36,9 +36,13 @@ namespace {
 
 DBusHelperChannel::Program helperProgram(const InstancePlace &place)
 {
-    return { companionProgram("kestrel-browser-helper"_L1),
-             { u"--preferences"_s, place.preferencesFile, u"--sockets"_s, place.browserSockets,
-               u"--profile"_s, place.browserProfile } };
+    QStringList arguments { u"--preferences"_s,   place.preferencesFile, u"--sockets"_s,
+                            place.browserSockets, u"--profile"_s,        place.browserProfile };
+    if (!place.dataFolder.isEmpty())
+        arguments += { u"--install-home"_s, place.dataFolder + u"/home"_s };
+    for (const QString &argument : place.startArguments)
+        arguments += u"--start-with="_s + argument;
+    return { companionProgram("kestrel-browser-helper"_L1), arguments };
 }
 
 class DisplayDesktop final : public Desktop

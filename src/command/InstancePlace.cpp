@@ -1,5 +1,6 @@
 #include "command/InstancePlace.h"
 #include "base/AppIdentifier.h"
+#include "platform/linux/HomeInstallPlaces.h"
 #include <QCryptographicHash>
 #include <QDir>
 #include <QFile>
@@ -24,10 +25,13 @@ QString suffixOf(const QString &folder)
         + QString::fromLatin1(QCryptographicHash::hash(path, QCryptographicHash::Sha256).toHex().left(12));
 }
 
-/// With its .desktop file below the same prefix: a build tree must not start with the session.
-bool isInstalled()
+/// With its .desktop file below the same prefix, and there to stay: neither a build tree nor a stick may
+/// start with the session.
+bool isInstalled(const InstallPlaces &places)
 {
-    return QFileInfo::exists(installPrefix() + u"/share/applications/"_s + AppIdentifier + u".desktop"_s);
+    const QString prefix = installPrefix();
+    return !places.isPassing(prefix + u'/')
+        && QFileInfo::exists(prefix + u"/share/applications/"_s + AppIdentifier + u".desktop"_s);
 }
 
 /// Browsers inherit the variable and find the same folder.
@@ -96,7 +100,8 @@ std::expected<InstancePlace, QString> InstancePlace::resolve(const QString &data
         place.clientFile = config + u"google-client.json"_s;
         place.secretsFile = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation)
             + u"/kestrel/secrets.json"_s;
-        place.autostartFolder = isInstalled()
+        place.install = homeInstallPlaces();
+        place.autostartFolder = isInstalled(place.install)
             ? QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) + u"/autostart"_s
             : config + u"autostart"_s;
         place.browserSockets = socketsFolder({});
@@ -114,6 +119,11 @@ std::expected<InstancePlace, QString> InstancePlace::resolve(const QString &data
     place.busName += suffix;
     place.secretService += suffix;
     place.autostartFolder = folder + u"/autostart"_s;
+    place.install = homeInstallPlaces(folder + u"/home"_s);
+    place.install.passing += qEnvironmentVariable("KESTREL_PASSING").split(u':', Qt::SkipEmptyParts);
+    place.startArguments = { u"--data"_s, folder };
+    if (place.isSampleGoogle)
+        place.startArguments += { u"--google-base"_s, googleBase };
     place.browserSockets = socketsFolder(suffix);
     place.browserProfile = folder + u"/browser-profile"_s;
     // the person's own Kestrel may be listening on the usual one

@@ -1,6 +1,8 @@
 #pragma once
 #include "auth/GoogleConfiguration.h"
+#include "platform/InstallPlaces.h"
 #include <QString>
+#include <QStringList>
 #include <expected>
 
 namespace kestrel {
@@ -19,6 +21,8 @@ struct InstancePlace
     QString browserProfile; ///< the folder of a browser profile of Kestrel's own
     QString
         autostartFolder; ///< the desktop's only where Kestrel is installed; else one that nobody starts from
+    InstallPlaces install; ///< where a Kestrel that does not stay where it is goes to
+    QStringList startArguments; ///< with which this very Kestrel is started again
     quint16 bridgePort = 18424;
     QString dataFolder; ///< empty for the person's own Kestrel
     GoogleEndpoints endpoints;

@@ -65,8 +65,38 @@ private Q_SLOTS:
         // the person's own browsers are never driven from elsewhere
         QVERIFY(first->browserSockets != own->browserSockets);
         QVERIFY(first->browserProfile != own->browserProfile);
+        QVERIFY2(first->install.destination.startsWith(first->dataFolder),
+                 "nothing is installed for the person");
         QCOMPARE(throughLink->busName, first->busName);
         QCOMPARE(throughLink->secretService, first->secretService);
+    }
+
+    void programsDoNotStayEverywhere_data()
+    {
+        QTest::addColumn<QByteArray>("image");
+        QTest::addColumn<QString>("folder");
+        QTest::addColumn<bool>("passes");
+        QTest::newRow("stick") << QByteArray() << u"/media/ann/stick/Kestrel"_s << true;
+        QTest::newRow("stick of a session") << QByteArray() << u"/run/media/ann/stick"_s << true;
+        QTest::newRow("mounted by hand") << QByteArray() << u"/mnt/stick"_s << true;
+        QTest::newRow("image") << QByteArray() << u"/tmp/.mount_KesAbc/usr"_s << true;
+        QTest::newRow("image elsewhere") << QByteArray("/var/image") << u"/var/image/usr"_s << true;
+        QTest::newRow("package, from another image") << QByteArray("/var/image") << u"/usr"_s << false;
+        QTest::newRow("an image that claims everything") << QByteArray("/") << u"/usr"_s << false;
+        QTest::newRow("home on another drive") << QByteArray() << u"/mnt/ann/.local/opt/kestrel"_s << false;
+    }
+    void programsDoNotStayEverywhere()
+    {
+        QFETCH(QByteArray, image);
+        QFETCH(QString, folder);
+        QFETCH(bool, passes);
+        qputenv("HOME", "/mnt/ann");
+        qputenv("KESTREL_PASSING", "/usr/"); // of no account without a data folder
+        qputenv("APPIMAGE", "Kestrel.AppImage");
+        qputenv("APPDIR", image);
+        const auto place = InstancePlace::resolve({}, {});
+        QVERIFY(place);
+        QCOMPARE(place->install.isPassing(folder + u'/'), passes);
     }
 };
 

@@ -1,6 +1,7 @@
 #pragma once
 #include "platform/ModalNotice.h"
 #include <QList>
+#include <functional>
 
 namespace kestrel {
 
@@ -11,11 +12,14 @@ public:
     [[nodiscard]] QCoro::Task<qsizetype> ask(Message message) override
     {
         asked.append(message);
+        if (beforeAnswer)
+            beforeAnswer();
         co_return answer;
     }
 
     QList<Message> asked;
     qsizetype answer = 0;
+    std::function<void()> beforeAnswer;
 };
 
 } // namespace kestrel
