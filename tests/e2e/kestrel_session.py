@@ -42,12 +42,14 @@ class SampleGoogle:
     def add_event(self, **event):
         self.post("/calendar-events", {"account": "robin.sample@example.com", "calendar": "primary", "event": event})
 
+    def remove_event(self, identifier):
+        self.post("/calendar-events", {"account": "robin.sample@example.com", "calendar": "primary", "remove": identifier})
+
     def remove_sample_events(self):
         """Of that calendar: only added ones are left."""
         for number in range(1, 30):
             with contextlib.suppress(urllib.error.HTTPError):  # it is another calendar's, or there is none
-                self.post("/calendar-events", {"account": "robin.sample@example.com", "calendar": "primary",
-                                               "remove": f"sample{number:03}"})
+                self.remove_event(f"sample{number:03}")
 
     def stop(self):
         self.process.stdin.close()
