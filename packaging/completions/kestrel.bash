@@ -46,10 +46,10 @@ _kestrel() {
     case $verb/$count in
     /0) COMPREPLY=($(compgen -W "$verbs" -- "$cur")) ;;
     action/0) COMPREPLY=($(compgen -W "$actions" -- "$cur")) ;;
-    accounts/0) COMPREPLY=($(compgen -W 'add list remove' -- "$cur")) ;;
+    accounts/0) COMPREPLY=($(compgen -W 'add list sign-in remove' -- "$cur")) ;;
     accounts/1)
         # "identifier  address …": addresses are what a person types
-        [[ $argument != remove ]] || COMPREPLY=($(compgen -W \
+        [[ $argument != remove && $argument != sign-in ]] || COMPREPLY=($(compgen -W \
             "$("${words[0]}" accounts list 2>/dev/null | grep -o '[^ ]*@[^ ]*')" -- "$cur"))
         ;;
     browser/0) COMPREPLY=($(compgen -W 'install status' -- "$cur")) ;;

@@ -31,9 +31,9 @@ complete -c kestrel -n '__fish_seen_subcommand_from status' -l waybar -d 'Print 
 complete -c kestrel -n '__fish_seen_subcommand_from status' -l follow -d 'A line at every change'
 complete -c kestrel -n '__fish_seen_subcommand_from doctor' -l test-alert -d 'Show an alert for a few seconds'
 complete -c kestrel -n "__fish_seen_subcommand_from action; and not __fish_seen_subcommand_from $actions" -a "$actions"
-complete -c kestrel -n '__fish_seen_subcommand_from accounts; and not __fish_seen_subcommand_from add list remove' \
-    -a 'add list remove'
-complete -c kestrel -n '__fish_seen_subcommand_from accounts; and __fish_seen_subcommand_from remove' \
+complete -c kestrel -n '__fish_seen_subcommand_from accounts; and not __fish_seen_subcommand_from add list sign-in remove' \
+    -a 'add list sign-in remove'
+complete -c kestrel -n '__fish_seen_subcommand_from accounts; and __fish_seen_subcommand_from sign-in remove' \
     -a '(kestrel accounts list 2>/dev/null | string match -ra "\S+@\S+")'
 complete -c kestrel -n '__fish_seen_subcommand_from browser; and not __fish_seen_subcommand_from install status' \
     -a 'install status'

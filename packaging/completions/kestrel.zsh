@@ -48,9 +48,9 @@ _kestrel() {
         action) _arguments $common "1:action:($actions)" ;;
         accounts)
             if (( CURRENT > 2 )) && [[ $words[2] == remove ]]; then
-                _arguments $common '1:command:(add list remove)' '2:account:_kestrel_accounts'
+                _arguments $common '1:command:(add list sign-in remove)' '2:account:_kestrel_accounts'
             else
-                _arguments $common '--json[print JSON]' '1:command:(add list remove)'
+                _arguments $common '--json[print JSON]' '1:command:(add list sign-in remove)'
             fi
             ;;
         browser) _arguments $common '--json[print JSON]' '1:command:(install status)' ;;

@@ -50,6 +50,8 @@ PanelStatus::Stage stageOf(const Meeting &next, std::chrono::minutes lead, Insta
 QJsonArray classes(const PanelStatus &status)
 {
     QJsonArray classes { name(status.stage) };
+    if (!status.trouble.isEmpty() && status.stage != PanelStatus::Stage::SignedOut)
+        classes.append(name(PanelStatus::Stage::SignedOut));
     if (!status.call.inMeeting)
         return classes;
     classes.append("in-call"_L1);
@@ -80,6 +82,8 @@ PanelStatus panelStatus(AppEnvironment &environment, const MenuBarController &me
         status.agenda.append(u"%1 – %2  %3"_s.arg(clockTimeText(meeting.start), clockTimeText(meeting.end),
                                                   terminalText(meeting.title)));
     }
+    if (const QStringList accounts = environment.signedOutAccounts(); !accounts.isEmpty())
+        status.trouble = qtTrId("signed_out.message %@").arg(accounts.join(u", "_s));
     if (const auto next = menuBar.nextMeeting(now)) {
         status.title = terminalText(next->title);
         status.stage = stageOf(*next, std::chrono::minutes(environment.preferences().leadTimeMinutes()), now);
@@ -98,7 +102,9 @@ QString panelLine(const PanelStatus &status)
 
 QJsonObject waybarObject(const PanelStatus &status)
 {
-    QStringList toolTip = status.agenda;
+    QStringList toolTip { status.trouble };
+    toolTip += status.agenda;
+    toolTip.removeAll(QString());
     if (toolTip.isEmpty())
         toolTip.append(u"Kestrel"_s);
     return { { u"text"_s, status.label.toHtmlEscaped() },

@@ -25,6 +25,7 @@ struct PanelStatus
     QString label; ///< beside the icon: "in 4 min"; may be empty
     QString title; ///< of the meeting that it counts to
     QStringList agenda; ///< a line for each meeting in progress or to come, the first few
+    QString trouble; ///< accounts whose person must sign in again; empty when there are none
     MeetStateSnapshot call;
 };
 

@@ -85,14 +85,16 @@ private Q_SLOTS:
         status.label = u"in 4 min"_s;
         status.title = u"R&D <b>"_s;
         status.agenda = { u"12:04  R&D <b>"_s };
+        status.trouble = u"a@example.com: sign in again"_s;
         status.call = { .inMeeting = true, .micOn = false, .handRaised = true };
 
         const QJsonObject object = waybarObject(status);
 
         QCOMPARE(object["text"_L1], u"in 4 min"_s);
         QCOMPARE(object["alt"_L1], u"soon"_s);
-        QCOMPARE(object["tooltip"_L1], u"12:04  R&amp;D &lt;b&gt;"_s);
-        QCOMPARE(object["class"_L1], (QJsonArray { u"soon"_s, u"in-call"_s, u"muted"_s, u"hand-raised"_s }));
+        QCOMPARE(object["tooltip"_L1], u"a@example.com: sign in again\n12:04  R&amp;D &lt;b&gt;"_s);
+        QCOMPARE(object["class"_L1],
+                 (QJsonArray { u"soon"_s, u"signed-out"_s, u"in-call"_s, u"muted"_s, u"hand-raised"_s }));
         QCOMPARE(panelLine(status), u"in 4 min · R&D <b>"_s);
     }
 };

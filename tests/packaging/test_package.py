@@ -154,7 +154,7 @@ class Package(unittest.TestCase):
                 for verb in verbs():
                     self.assertLessEqual(options(verb), set(shell(["kestrel", verb, "--"])), verb)
                 self.assertLessEqual(actions, set(shell(["kestrel", "action", ""])))
-                self.assertLessEqual({"add", "list", "remove"}, set(shell(["kestrel", "accounts", ""])))
+                self.assertLessEqual({"add", "list", "sign-in", "remove"}, set(shell(["kestrel", "accounts", ""])))
 
     def test_uninstall_takes_what_was_installed_for_one_person_and_no_more(self):
         home = FOLDER / "home"
