@@ -1,34 +1,12 @@
 #include "app/SetupBrowserConnection.h"
-#include <QCoro/QCoroFuture>
-#include <QFuture>
-#include <QPromise>
-#include <QThread>
+#include "base/OnThread.h"
 #include <algorithm>
-#include <functional>
-#include <utility>
 
 using namespace Qt::StringLiterals;
 
 namespace kestrel {
 
 namespace {
-
-/// The thread may go on when nobody waits for it any more.
-template<typename Result>
-QCoro::Task<Result> onThread(std::function<Result()> work)
-{
-    QPromise<Result> promise;
-    QFuture<Result> future = promise.future();
-    promise.start();
-    // a thread's own end may come before anybody can wait for it
-    QThread *thread = QThread::create([work, promise = std::move(promise)]() mutable {
-        promise.addResult(work());
-        promise.finish();
-    });
-    QObject::connect(thread, &QThread::finished, thread, &QObject::deleteLater);
-    thread->start();
-    co_return co_await future;
-}
 
 BrowserConnectionState stateOf(const BrowserReport &report)
 {
