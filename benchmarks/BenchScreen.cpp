@@ -235,6 +235,7 @@ void benchmarkSettings(benchmark::State &first, std::vector<double> &later)
 class NotingWindows final : public FloatingWindows
 {
 public:
+    [[nodiscard]] WindowingCondition condition() const override { return {}; }
     [[nodiscard]] bool canPlaceWindows() const override
     {
         const Instant now = SystemClock().now();

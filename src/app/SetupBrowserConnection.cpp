@@ -26,6 +26,8 @@ BrowserConnectionState stateOf(const BrowserReport &report)
             isScriptingOn = isScriptingOn || *relay.allowsScripts;
         }
     }
+    state.isOwnProfileOpen = std::ranges::any_of(
+        report.otherRelays, [](const BrowserRelay &relay) { return relay.route == "devtools"_L1; });
     state.isScriptingOff = !state.connected.isEmpty() && !isScriptingOn;
     return state;
 }

@@ -140,6 +140,15 @@ HelperChannel::Answer<QVariantList> DBusHelperChannel::call(QString method, QVar
     co_return reply.arguments();
 }
 
+QCoro::Task<HelperCondition> DBusHelperChannel::condition()
+{
+    const bool isThere = QFileInfo(m_program.path).isExecutable();
+    const QDBusMessage owner = co_await m_bus.asyncCall(busCall(u"NameHasOwner"_s) << m_name);
+    co_return owner.arguments().value(0).toBool() ? HelperCondition::Running
+        : isThere                                 ? HelperCondition::OnDemand
+                                                  : HelperCondition::Missing;
+}
+
 QCoro::Task<bool> DBusHelperChannel::isActivatable()
 {
     const QString name = m_name;

@@ -33,6 +33,7 @@ public:
     [[nodiscard]] Answer<HelperScriptReply> executeJSInChromeTab(QString urlSubstring, QString jsSource,
                                                                  bool activate) override;
     [[nodiscard]] Answer<HelperReply> closeChromeTab(QString urlSubstring) override;
+    [[nodiscard]] QCoro::Task<HelperCondition> condition() override;
 
 private:
     /// What the helper answers, whose signature is `signature`.

@@ -13,6 +13,7 @@ struct BrowserConnectionState
     bool isInstalled = false; ///< what a browser needs is in place on this machine
     QStringList connected; ///< the names of those that are connected now
     bool isScriptingOff = false; ///< a connected one keeps its "Allow User Scripts" switch off
+    bool isOwnProfileOpen = false; ///< the browser profile of Kestrel's own is connected
 
     friend bool operator==(const BrowserConnectionState &, const BrowserConnectionState &) = default;
 };

@@ -5,6 +5,17 @@
 
 namespace kestrel {
 
+/// What windows stand on.
+struct WindowingCondition
+{
+    enum class System { None, X11, XWayland, Wayland };
+
+    System system = System::None;
+    QString windowManager; ///< empty where it is not known, or none runs
+
+    friend bool operator==(const WindowingCondition &, const WindowingCondition &) = default;
+};
+
 /// What the window system must be told about windows that float over everything.
 class FloatingWindows : public QObject
 {
@@ -18,6 +29,7 @@ public:
 
     using QObject::QObject;
 
+    [[nodiscard]] virtual WindowingCondition condition() const = 0;
     /// False where a client cannot place its windows (Wayland without XWayland).
     [[nodiscard]] virtual bool canPlaceWindows() const = 0;
     /// Once a window, before it is first shown: flags and properties of its kind.

@@ -40,6 +40,13 @@ struct HelperError
     friend bool operator==(const HelperError &, const HelperError &) = default;
 };
 
+/// Whether calls would reach the helper.
+enum class HelperCondition {
+    Missing, ///< its program is not there, and nobody knows another way
+    OnDemand, ///< it starts with the first call
+    Running,
+};
+
 /// The way to the program that drives browsers, which is started on demand. Calls do not wait for one
 /// another, and nothing is kept between them. Each is answered exactly once; only what its caller limits ends
 /// early.
@@ -67,6 +74,9 @@ public:
                                                                          QString jsSource, bool activate) = 0;
     /// Closes the first such tab, whatever it asks. Not ok without an error: there is none.
     [[nodiscard]] virtual Answer<HelperReply> closeChromeTab(QString urlSubstring) = 0;
+
+    /// Starts nothing.
+    [[nodiscard]] virtual QCoro::Task<HelperCondition> condition() = 0;
 };
 
 } // namespace kestrel

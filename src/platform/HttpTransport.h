@@ -75,6 +75,8 @@ public:
 
     using QObject::QObject;
 
+    [[nodiscard]] virtual bool isOnline() const = 0;
+
     /// Waits for a network where there is none, except for loopback addresses.
     [[nodiscard]] virtual QCoro::Task<std::expected<HttpResponse, TransportError>>
     send(HttpRequest request) = 0;

@@ -1,9 +1,22 @@
 #pragma once
+#include <QCoro/QCoroTask>
 #include <QObject>
 #include <QString>
+#include <QStringList>
+#include <optional>
 #include <utility>
 
 namespace kestrel {
+
+/// Who shows notifications, in its own words.
+struct NotificationService
+{
+    QString name;
+    QString version;
+    QStringList capabilities; ///< "actions": it shows buttons
+
+    friend bool operator==(const NotificationService &, const NotificationService &) = default;
+};
 
 /// The desktop's notifications, where cards cannot be placed.
 class Notifications : public QObject
@@ -23,6 +36,8 @@ public:
 
     virtual void show(const Notice &notice) = 0;
     virtual void close(const QString &key) = 0;
+    /// Nothing where nobody shows them. What was shown before has arrived when this is answered.
+    [[nodiscard]] virtual QCoro::Task<std::optional<NotificationService>> service() = 0;
 
 Q_SIGNALS:
     void actionChosen(const QString &key, const QString &action);

@@ -27,6 +27,18 @@ enum class SecretStatus : qint32 {
     Failed = -50, ///< anything else
 };
 
+/// Where secrets are kept, and whether they can be had just now.
+struct SecretStoreCondition
+{
+    enum class Place { Nowhere, SecretService, File };
+
+    Place place = Place::Nowhere;
+    QString program; ///< that answers as the secret service; empty where it is not known
+    SecretStatus status = SecretStatus::Unavailable; ///< Success, Locked, Unavailable or Failed
+
+    friend bool operator==(const SecretStoreCondition &, const SecretStoreCondition &) = default;
+};
+
 /// Per-user secrets, each a run of bytes. The operations wait for the store's process without blocking the
 /// thread. A locked store is unlocked once per locking, in the background: the operation that met it ends
 /// with Locked at once, and opened() follows when the person has unlocked it. Main thread only.
@@ -42,6 +54,9 @@ public:
     [[nodiscard]] virtual QCoro::Task<SecretStatus> update(SecretItem item, QByteArray data) = 0;
     [[nodiscard]] virtual QCoro::Task<SecretStatus> add(SecretItem item, QByteArray data) = 0;
     [[nodiscard]] virtual QCoro::Task<SecretStatus> remove(SecretItem item) = 0;
+
+    /// As it is now. The person is asked nothing.
+    [[nodiscard]] virtual QCoro::Task<SecretStoreCondition> condition() = 0;
 
 Q_SIGNALS:
     /// The store was locked or missing before and can be read now.

@@ -11,6 +11,8 @@ class ShortcutBackend : public QObject
 {
     Q_OBJECT
 public:
+    /// By which way the desktop takes them.
+    enum class Kind { None, X11Grabs, Portal };
     struct Shortcut
     {
         quint32 id = 0;
@@ -30,6 +32,8 @@ public:
     };
 
     using QObject::QObject;
+
+    [[nodiscard]] virtual Kind kind() const = 0;
 
     /// Replaces everything that was bound before. Answered by `answered`, in this turn or a later one; a
     /// newer set takes the place of one that is still unanswered. Identifiers are unique.

@@ -28,6 +28,29 @@ struct StatusItemState
     friend bool operator==(const StatusItemState &, const StatusItemState &) = default;
 };
 
+/// Where a panel leaves room for the countdown.
+enum class CountdownPlace {
+    Label, ///< it draws XAyatanaLabel beside the icon
+    Icon, ///< it draws no labels, but wide icons as they are
+    ToolTip, ///< neither, or unknown: a wide icon would be squeezed into a square
+};
+
+/// Who shows the status item just now.
+struct StatusItemCondition
+{
+    enum class Host {
+        None,
+        Panel, ///< as a StatusNotifierItem
+        Tray, ///< as a window in an XEmbed tray
+    };
+
+    Host host = Host::None;
+    QString program; ///< the panel's process; empty where it is not known
+    CountdownPlace countdown = CountdownPlace::ToolTip;
+
+    friend bool operator==(const StatusItemCondition &, const StatusItemCondition &) = default;
+};
+
 /// The place in the panel. Registers when it is first shown, and again whenever a host comes or restarts.
 class StatusItemHost : public QObject
 {
@@ -36,6 +59,7 @@ public:
     using QObject::QObject;
 
     virtual void show(const StatusItemState &state) = 0;
+    [[nodiscard]] virtual StatusItemCondition condition() const = 0;
 
 Q_SIGNALS:
     /// A click, left or right. `position` is where the host said it was; unreliable, so it is only a hint.

@@ -1,6 +1,8 @@
 #pragma once
 #include "base/Instant.h"
+#include <QCoro/QCoroTask>
 #include <QObject>
+#include <optional>
 
 namespace kestrel {
 
@@ -15,6 +17,10 @@ public:
     /// before.
     virtual void arm(Instant due) = 0;
     virtual void cancel() = 0;
+    /// What it is really armed for, as the system has it; nothing while it is not.
+    [[nodiscard]] virtual std::optional<Instant> armedFor() const = 0;
+    /// Whether somebody announces that the machine woke up, besides the clock itself.
+    [[nodiscard]] virtual QCoro::Task<bool> hearsOfSleep() = 0;
 
 Q_SIGNALS:
     void fired();

@@ -37,6 +37,20 @@ private Q_SLOTS:
         QCOMPARE(fired.size(), 1);
     }
 
+    void tellsWhatTheKernelHas()
+    {
+        AbsoluteWakeTimer timer;
+        QVERIFY2(!timer.armedFor(), "it waits for a far future only to hear of a set clock");
+        const Instant due = now() + 1h;
+        timer.arm(due);
+        QVERIFY(timer.armedFor() == due);
+        timer.arm(now() - 1s);
+        QVERIFY2(!timer.armedFor(), "it has gone off already");
+        timer.arm(due);
+        timer.cancel();
+        QVERIFY(!timer.armedFor());
+    }
+
     void whatIsArmedLastCounts()
     {
         AbsoluteWakeTimer timer;

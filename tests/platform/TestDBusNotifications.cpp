@@ -35,6 +35,10 @@ public:
             const uint number = replaced == 0 ? ++last : replaced;
             notified << message;
             connection.send(message.createReply(number));
+        } else if (message.member() == "GetServerInformation"_L1) {
+            connection.send(message.createReply(QVariantList { u"mako"_s, u"emersion"_s, u"1.7"_s, u"1.2"_s }));
+        } else if (message.member() == "GetCapabilities"_L1) {
+            connection.send(message.createReply(QVariant(QStringList { u"body"_s, u"actions"_s })));
         } else {
             closed << message.arguments().first().toUInt();
             connection.send(message.createReply());
@@ -66,6 +70,16 @@ class TestDBusNotifications : public QObject
 {
     Q_OBJECT
 private Q_SLOTS:
+    void tellsWhoShowsThem()
+    {
+        DBusNotifications notifications(QDBusConnection::sessionBus());
+        QVERIFY(!QCoro::waitFor(notifications.service()));
+        const FakeService service;
+        const auto found = QCoro::waitFor(notifications.service());
+        QVERIFY(found);
+        QCOMPARE(*found, (NotificationService { u"mako"_s, u"1.7"_s, { u"body"_s, u"actions"_s } }));
+    }
+
     void showsReplacesAndAnswersByKey()
     {
         FakeService service;

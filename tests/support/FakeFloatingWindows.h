@@ -12,6 +12,7 @@ class FakeFloatingWindows final : public FloatingWindows
 {
     Q_OBJECT
 public:
+    [[nodiscard]] WindowingCondition condition() const override { return current; }
     [[nodiscard]] bool canPlaceWindows() const override { return placesWindows; }
     void prepare(QWindow &window, Kind kind) override { prepared.append({ &window, kind }); }
     void shown(QWindow &window, Kind kind) override { shownWindows.append({ &window, kind }); }
@@ -35,6 +36,7 @@ public:
             Q_EMIT pressed(position);
     }
 
+    WindowingCondition current { WindowingCondition::System::X11, QStringLiteral("Openbox") };
     bool placesWindows = true;
     bool hearsPresses = true;
     bool isWatching = false;

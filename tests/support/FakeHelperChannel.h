@@ -58,6 +58,11 @@ public:
         co_return answer;
     }
 
+    [[nodiscard]] QCoro::Task<HelperCondition> condition() override
+    {
+        co_return HelperCondition(current); // QCoro moves from what is returned
+    }
+
     void release()
     {
         isHeld = false;
@@ -68,6 +73,7 @@ public:
     std::expected<HelperReply, HelperError> answer = HelperReply { true, {} };
     /// As it is when the call comes.
     std::expected<HelperScriptReply, HelperError> scriptAnswer = HelperScriptReply { true, {}, {} };
+    HelperCondition current = HelperCondition::OnDemand;
     bool isHeld = false;
     QList<Opened> opened;
     QList<std::pair<QString, QString>> installed;

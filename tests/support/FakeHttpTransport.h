@@ -15,6 +15,7 @@ class FakeHttpTransport final : public HttpTransport
 public:
     using Answer = std::expected<HttpResponse, TransportError>;
 
+    [[nodiscard]] bool isOnline() const override { return m_isOnline; }
     [[nodiscard]] QCoro::Task<Answer> send(HttpRequest request) override;
     [[nodiscard]] QCoro::Task<std::expected<void, TransportError>> waitForNetwork(QString account,
                                                                                   QUrl address) override;

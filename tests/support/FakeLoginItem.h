@@ -15,6 +15,10 @@ public:
             return std::unexpected(failure);
         return {};
     }
+    [[nodiscard]] LoginItemState state() const override
+    {
+        return isEnabled.value_or(false) ? LoginItemState::On : LoginItemState::Off;
+    }
 
     std::optional<bool> isEnabled;
     QString failure;

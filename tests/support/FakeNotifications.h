@@ -20,6 +20,10 @@ public:
         open.insert(notice.key, notice);
     }
     void close(const QString &key) override { open.remove(key); }
+    [[nodiscard]] QCoro::Task<std::optional<NotificationService>> service() override
+    {
+        co_return isAvailable ? std::optional(current) : std::nullopt;
+    }
 
     /// The person presses one of the buttons; as on real desktops, the notice goes with it.
     void choose(const QString &key, const QString &action)
@@ -36,6 +40,9 @@ public:
     QList<Notice> shown; ///< all of them, in order
     QMap<QString, Notice> open;
     bool isAvailable = true;
+    NotificationService current { QStringLiteral("mako"),
+                                  QStringLiteral("1.7"),
+                                  { QStringLiteral("actions") } };
 };
 
 } // namespace kestrel

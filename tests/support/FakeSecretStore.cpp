@@ -1,4 +1,5 @@
 #include "support/FakeSecretStore.h"
+#include <QCoro/QCoroSignal>
 
 using namespace Qt::StringLiterals;
 
@@ -45,6 +46,14 @@ QCoro::Task<SecretStatus> FakeSecretStore::remove(SecretItem item)
     if (const auto status = begin(u"remove"_s, item); status != SecretStatus::Success)
         co_return status;
     co_return secrets.remove(item.account) > 0 ? SecretStatus::Success : SecretStatus::NotFound;
+}
+
+QCoro::Task<SecretStoreCondition> FakeSecretStore::condition()
+{
+    if (isMute)
+        co_await qCoro(this, &FakeSecretStore::spoken);
+    co_return SecretStoreCondition { SecretStoreCondition::Place::SecretService, u"gnome-keyring-d"_s,
+                                     m_locked ? SecretStatus::Locked : health };
 }
 
 } // namespace kestrel

@@ -17,6 +17,7 @@ public:
     [[nodiscard]] QCoro::Task<SecretStatus> update(SecretItem item, QByteArray data) override;
     [[nodiscard]] QCoro::Task<SecretStatus> add(SecretItem item, QByteArray data) override;
     [[nodiscard]] QCoro::Task<SecretStatus> remove(SecretItem item) override;
+    [[nodiscard]] QCoro::Task<SecretStoreCondition> condition() override;
 
     /// By account name; the service is checked by the tests that care for it.
     QMap<QString, QByteArray> secrets;
@@ -24,6 +25,8 @@ public:
     /// "update google.A.refresh_token" and so on, in order.
     QStringList calls;
     QMap<QString, SecretStatus> failures;
+    SecretStatus health = SecretStatus::Success; ///< what condition() says while it is not locked
+    bool isMute = false; ///< condition() waits for speak()
 
     void lock() { m_locked = true; }
     void unlock()
@@ -31,6 +34,14 @@ public:
         m_locked = false;
         Q_EMIT opened();
     }
+    void speak()
+    {
+        isMute = false;
+        Q_EMIT spoken();
+    }
+
+Q_SIGNALS:
+    void spoken();
 
 private:
     /// What the call ends with before it looks at any item.

@@ -9,6 +9,7 @@ namespace kestrel {
 class FakeShortcutBackend final : public ShortcutBackend
 {
 public:
+    [[nodiscard]] Kind kind() const override { return backend; }
     void bind(const QList<Shortcut> &shortcuts) override
     {
         sets.append(shortcuts);
@@ -28,6 +29,7 @@ public:
 
     QList<QList<Shortcut>> sets;
     QSet<quint32> taken;
+    Kind backend = Kind::X11Grabs;
     bool isHeld = false;
     bool isSuspended = false;
 };

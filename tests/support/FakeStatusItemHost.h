@@ -14,10 +14,13 @@ public:
         state = newState;
         ++shows;
     }
+    [[nodiscard]] StatusItemCondition condition() const override { return current; }
 
     /// The last one; nothing before the first show.
     std::optional<StatusItemState> state;
     int shows = 0;
+    StatusItemCondition current { StatusItemCondition::Host::Panel, QStringLiteral("mate-panel"),
+                                  CountdownPlace::Label };
 };
 
 } // namespace kestrel

@@ -11,10 +11,13 @@ class FakeWakeTimer final : public WakeTimer
 public:
     void arm(Instant due) override
     {
-        armed = due;
+        if (!isBroken)
+            armed = due;
         ++arms;
     }
     void cancel() override { armed.reset(); }
+    [[nodiscard]] std::optional<Instant> armedFor() const override { return armed; }
+    [[nodiscard]] QCoro::Task<bool> hearsOfSleep() override { co_return true; }
 
     /// Nothing happens when it is not armed.
     void fire()
@@ -29,6 +32,7 @@ public:
 
     std::optional<Instant> armed;
     int arms = 0;
+    bool isBroken = false; ///< the system takes no timer
 };
 
 } // namespace kestrel

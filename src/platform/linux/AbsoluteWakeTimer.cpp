@@ -1,5 +1,6 @@
 #include "platform/linux/AbsoluteWakeTimer.h"
 #include "base/Log.h"
+#include "platform/linux/BusPeer.h"
 #include <QDBusConnection>
 #include <algorithm>
 #include <cerrno>
@@ -7,10 +8,13 @@
 #include <unistd.h>
 
 using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
 
 namespace kestrel {
 
 namespace {
+
+const auto sleepService = u"org.freedesktop.login1"_s;
 
 // a time of zero would disarm the timer
 constexpr Instant earliest { std::chrono::milliseconds(1) };
@@ -60,6 +64,26 @@ void AbsoluteWakeTimer::cancel()
     set();
 }
 
+std::optional<Instant> AbsoluteWakeTimer::armedFor() const
+{
+    using namespace std::chrono;
+    itimerspec time {};
+    if (!m_due || ::timerfd_gettime(m_descriptor, &time) != 0)
+        return {};
+    const auto left = seconds(time.it_value.tv_sec) + nanoseconds(time.it_value.tv_nsec);
+    if (left == left.zero())
+        return {}; // it has expired or was never set
+    // the kernel tells what is left; read a moment later it cannot be the instant itself
+    const Instant due = round<milliseconds>(system_clock::now() + left);
+    return abs(due - *m_due) < 100ms ? *m_due : due;
+}
+
+QCoro::Task<bool> AbsoluteWakeTimer::hearsOfSleep()
+{
+    const auto process = co_await processOf(QDBusConnection::systemBus(), sleepService);
+    co_return process.has_value();
+}
+
 void AbsoluteWakeTimer::set()
 {
     const itimerspec time = absoluteTime(m_due.value_or(latest));
@@ -89,7 +113,7 @@ void AbsoluteWakeTimer::read()
 void AbsoluteWakeTimer::followSleep()
 {
     // without a system bus this does nothing; the kernel cancels the timer on waking up as well
-    QDBusConnection::systemBus().connect(u"org.freedesktop.login1"_s, u"/org/freedesktop/login1"_s,
+    QDBusConnection::systemBus().connect(sleepService, u"/org/freedesktop/login1"_s,
                                          u"org.freedesktop.login1.Manager"_s, u"PrepareForSleep"_s, this,
                                          SLOT(onPrepareForSleep(bool)));
 }

@@ -20,6 +20,8 @@ public:
 
     void arm(Instant due) override;
     void cancel() override;
+    [[nodiscard]] std::optional<Instant> armedFor() const override;
+    [[nodiscard]] QCoro::Task<bool> hearsOfSleep() override;
 
 private:
     void set();

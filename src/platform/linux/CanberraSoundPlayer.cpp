@@ -1,6 +1,7 @@
 #include "platform/linux/CanberraSoundPlayer.h"
 #include "base/AppIdentifier.h"
 #include "base/Log.h"
+#include "base/OnThread.h"
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -33,6 +34,8 @@ struct CanberraSoundPlayer::Output
 
     [[nodiscard]] std::expected<QString, QString> fileOf(const QString &name) const;
     [[nodiscard]] std::expected<void, QString> play(const QString &name);
+    /// On a connection of its own, so that it waits for no sound that plays.
+    [[nodiscard]] SoundCondition condition(const QString &name) const;
 
     const QString installedFolder;
     const QString cacheFolder;
@@ -89,6 +92,22 @@ std::expected<void, QString> CanberraSoundPlayer::Output::play(const QString &na
     return std::unexpected(QString::fromUtf8(ca_strerror(error)));
 }
 
+SoundCondition CanberraSoundPlayer::Output::condition(const QString &name) const
+{
+    SoundCondition condition;
+    condition.hasSound = QFileInfo::exists(installedFolder + u'/' + name + u".oga"_s)
+        || QFileInfo::exists(u":/kestrel/sounds/"_s + name + u".oga"_s);
+    ca_context *attempt = nullptr;
+    int error = ca_context_create(&attempt);
+    if (error == CA_SUCCESS)
+        error = ca_context_open(attempt);
+    if (attempt)
+        ca_context_destroy(attempt);
+    if (error != CA_SUCCESS)
+        condition.serverError = QString::fromUtf8(ca_strerror(error));
+    return condition;
+}
+
 CanberraSoundPlayer::CanberraSoundPlayer(QString installedFolder, QString cacheFolder)
     : m_output(std::make_shared<Output>(std::move(installedFolder), std::move(cacheFolder)))
 {
@@ -111,6 +130,11 @@ void CanberraSoundPlayer::play(const QString &name)
         qCWarning(lcAlerts) << "No sound:" << error.what();
         m_output->isBusy = false;
     }
+}
+
+QCoro::Task<SoundCondition> CanberraSoundPlayer::condition(QString name)
+{
+    return onThread<SoundCondition>([output = m_output, name] { return output->condition(name); });
 }
 
 } // namespace kestrel

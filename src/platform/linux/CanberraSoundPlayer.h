@@ -16,6 +16,7 @@ public:
     ~CanberraSoundPlayer() override;
 
     void play(const QString &name) override;
+    [[nodiscard]] QCoro::Task<SoundCondition> condition(QString name) override;
 
 private:
     struct Output;

@@ -1,6 +1,7 @@
 #include "platform/linux/DBusNotifications.h"
 #include "base/AppIdentifier.h"
 #include "base/Log.h"
+#include <QCoro/QCoroDBusPendingCall>
 #include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
 #include <utility>
@@ -92,6 +93,18 @@ void DBusNotifications::close(const QString &key)
     } else {
         retract(m_shown.take(key).number);
     }
+}
+
+QCoro::Task<std::optional<NotificationService>> DBusNotifications::service()
+{
+    const QDBusConnection bus = m_bus;
+    const QDBusMessage about = co_await bus.asyncCall(callOf(u"GetServerInformation"_s));
+    if (about.type() != QDBusMessage::ReplyMessage)
+        co_return std::optional<NotificationService>();
+    const QDBusMessage able = co_await bus.asyncCall(callOf(u"GetCapabilities"_s));
+    co_return std::optional(NotificationService { about.arguments().value(0).toString(),
+                                                  about.arguments().value(2).toString(),
+                                                  able.arguments().value(0).toStringList() });
 }
 
 void DBusNotifications::retract(uint number)

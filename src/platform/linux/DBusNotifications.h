@@ -17,6 +17,7 @@ public:
 
     void show(const Notice &notice) override;
     void close(const QString &key) override;
+    [[nodiscard]] QCoro::Task<std::optional<NotificationService>> service() override;
 
 private Q_SLOTS:
     void chosen(uint number, const QString &action);

@@ -49,6 +49,15 @@ void DesktopStatusItemHost::show(const StatusItemState &state)
     }
 }
 
+StatusItemCondition DesktopStatusItemHost::condition() const
+{
+    if (m_sni && m_sni->isHosted())
+        return m_sni->condition();
+    if (m_xembed && m_xembed->isDocked())
+        return { StatusItemCondition::Host::Tray, {}, CountdownPlace::Icon };
+    return {};
+}
+
 void DesktopStatusItemHost::chooseAgain()
 {
     if (m_sni && m_sni->isHosted()) {
@@ -74,8 +83,7 @@ void DesktopStatusItemHost::fallBack()
 
 void DesktopStatusItemHost::giveUp()
 {
-    const bool isShown = (m_sni && m_sni->isHosted()) || (m_xembed && m_xembed->isDocked());
-    if (!isShown)
+    if (condition().host == StatusItemCondition::Host::None)
         Q_EMIT unavailable(whatHelps());
 }
 

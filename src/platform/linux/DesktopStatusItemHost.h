@@ -25,6 +25,7 @@ public:
     DesktopStatusItemHost(const Appearance &appearance, Patience patience);
 
     void show(const StatusItemState &state) override;
+    [[nodiscard]] StatusItemCondition condition() const override;
 
 private:
     void chooseAgain();

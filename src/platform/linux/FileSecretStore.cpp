@@ -62,6 +62,15 @@ QCoro::Task<SecretStatus> FileSecretStore::remove(SecretItem item)
     co_return change(Change::Remove, item, {});
 }
 
+QCoro::Task<SecretStoreCondition> FileSecretStore::condition()
+{
+    const auto content = load();
+    const bool isReadable = content && !content->isDamaged;
+    co_return SecretStoreCondition { SecretStoreCondition::Place::File,
+                                     {},
+                                     isReadable ? SecretStatus::Success : SecretStatus::Failed };
+}
+
 SecretStatus FileSecretStore::change(Change change, const SecretItem &item, const QByteArray &secret)
 {
     const auto cannotWrite = [this](const QString &why) {

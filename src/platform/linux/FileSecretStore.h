@@ -20,6 +20,7 @@ public:
     [[nodiscard]] QCoro::Task<SecretStatus> update(SecretItem item, QByteArray data) override;
     [[nodiscard]] QCoro::Task<SecretStatus> add(SecretItem item, QByteArray data) override;
     [[nodiscard]] QCoro::Task<SecretStatus> remove(SecretItem item) override;
+    [[nodiscard]] QCoro::Task<SecretStoreCondition> condition() override;
 
 private:
     struct Entry

@@ -24,6 +24,7 @@ public:
     PortalShortcuts(const PortalShortcuts &) = delete;
     PortalShortcuts &operator=(const PortalShortcuts &) = delete;
 
+    [[nodiscard]] Kind kind() const override { return Kind::Portal; }
     void bind(const QList<Shortcut> &shortcuts) override;
     void setSuspended(bool suspended) override { m_isSuspended = suspended; }
 

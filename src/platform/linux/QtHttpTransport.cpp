@@ -306,6 +306,11 @@ QtHttpTransport::~QtHttpTransport()
     endAllWaits(std::unexpected(transportClosed()));
 }
 
+bool QtHttpTransport::isOnline() const
+{
+    return m_connectivity.isOnline();
+}
+
 QCoro::Task<Answer> QtHttpTransport::send(HttpRequest request)
 {
     const QPointer self(this);

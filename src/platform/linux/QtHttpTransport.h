@@ -20,6 +20,7 @@ public:
     explicit QtHttpTransport(Connectivity &connectivity, QObject *parent = nullptr);
     ~QtHttpTransport() override;
 
+    [[nodiscard]] bool isOnline() const override;
     [[nodiscard]] QCoro::Task<std::expected<HttpResponse, TransportError>> send(HttpRequest request) override;
     [[nodiscard]] QCoro::Task<std::expected<void, TransportError>> waitForNetwork(QString account,
                                                                                   QUrl address) override;

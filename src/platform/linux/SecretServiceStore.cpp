@@ -1,6 +1,7 @@
 #include "platform/linux/SecretServiceStore.h"
 #include "base/Log.h"
 #include "base/StartTask.h"
+#include "platform/linux/BusPeer.h"
 #include "platform/linux/GioCall.h"
 #include <QAbstractEventDispatcher>
 #include <QHash>
@@ -121,6 +122,8 @@ public:
     static QCoro::Task<SecretStatus> update(Ref link, SecretItem item, QByteArray data);
     static QCoro::Task<SecretStatus> add(Ref link, SecretItem item, QByteArray data);
     static QCoro::Task<SecretStatus> remove(Ref link, SecretItem item);
+    /// Of the default collection; one that is yet to be created counts as open.
+    static QCoro::Task<SecretStatus> lookAtLock(Ref link);
 
 private:
     /// Lets a coroutine wait until the service was opened, or was not.
@@ -274,6 +277,22 @@ QCoro::Task<SecretStatus> KeyringLink::remove(Ref link, SecretItem item)
             co_return status;
     }
     co_return SecretStatus::Success;
+}
+
+QCoro::Task<SecretStatus> KeyringLink::lookAtLock(Ref link)
+{
+    if (const auto status = co_await connectToService(link); status != SecretStatus::Success)
+        co_return status;
+    const auto collection = co_await defaultCollection(link);
+    if (!collection)
+        co_return collection.error();
+    if (*collection == nothing)
+        co_return SecretStatus::Success;
+    GFailure failure;
+    const auto lock = co_await isLocked(link, *collection, failure);
+    if (!lock)
+        co_return link->statusOf(failure);
+    co_return *lock ? SecretStatus::Locked : SecretStatus::Success;
 }
 
 /// The items that are there and open. None means that it can be relied on that there is no such item.
@@ -687,6 +706,14 @@ QCoro::Task<SecretStatus> SecretServiceStore::add(SecretItem item, QByteArray da
 QCoro::Task<SecretStatus> SecretServiceStore::remove(SecretItem item)
 {
     return KeyringLink::remove(m_link, std::move(item));
+}
+
+QCoro::Task<SecretStoreCondition> SecretServiceStore::condition()
+{
+    const SecretStatus status = co_await KeyringLink::lookAtLock(m_link);
+    const auto process = co_await processOf(QDBusConnection::sessionBus(), QLatin1StringView(serviceName));
+    co_return SecretStoreCondition { SecretStoreCondition::Place::SecretService,
+                                     process ? processName(*process) : QString(), status };
 }
 
 } // namespace kestrel

@@ -28,6 +28,7 @@ public:
     [[nodiscard]] QCoro::Task<SecretStatus> update(SecretItem item, QByteArray data) override;
     [[nodiscard]] QCoro::Task<SecretStatus> add(SecretItem item, QByteArray data) override;
     [[nodiscard]] QCoro::Task<SecretStatus> remove(SecretItem item) override;
+    [[nodiscard]] QCoro::Task<SecretStoreCondition> condition() override;
 
 private:
     std::shared_ptr<KeyringLink> m_link;

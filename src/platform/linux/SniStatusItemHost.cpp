@@ -1,5 +1,6 @@
 #include "platform/linux/SniStatusItemHost.h"
 #include "base/Log.h"
+#include "platform/linux/BusPeer.h"
 #include "platform/linux/DBusServedObject.h"
 #include "platform/linux/StatusItemImage.h"
 #include "platform/linux/StatusItemMenu.h"
@@ -315,6 +316,13 @@ void SniStatusItemHost::show(const StatusItemState &state)
     }
 }
 
+StatusItemCondition SniStatusItemHost::condition() const
+{
+    if (!m_isHosted)
+        return {};
+    return { StatusItemCondition::Host::Panel, m_panel, m_habits.place };
+}
+
 void SniStatusItemHost::makeItem()
 {
     m_itemBus = QDBusConnection::connectToBus(QDBusConnection::SessionBus,
@@ -371,8 +379,8 @@ void SniStatusItemHost::takeProcessId(const QDBusMessage &answer)
 {
     if (answer.type() == QDBusMessage::ErrorMessage)
         return;
-    QFile comm(u"/proc/%1/comm"_s.arg(answer.arguments().value(0).toUInt()));
-    m_habits = panelHabits(comm.open(QIODevice::ReadOnly) ? comm.readLine().trimmed() : QByteArray());
+    m_panel = processName(answer.arguments().value(0).toUInt());
+    m_habits = panelHabits(m_panel.toUtf8());
     m_item->repaint();
     registerItem();
 }

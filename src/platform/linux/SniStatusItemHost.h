@@ -11,13 +11,6 @@ namespace kestrel {
 
 class StatusItemMenu;
 
-/// Where a panel leaves room for the countdown.
-enum class CountdownPlace {
-    Label, ///< it draws XAyatanaLabel beside the icon
-    Icon, ///< it draws no labels, but wide icons as they are
-    ToolTip, ///< neither, or unknown: a wide icon would be squeezed into a square
-};
-
 /// How a panel reads the tool tip's title, which the protocol says is plain text.
 enum class ToolTipReading {
     Plain,
@@ -48,6 +41,7 @@ public:
     ~SniStatusItemHost() override;
 
     void show(const StatusItemState &state) override;
+    [[nodiscard]] StatusItemCondition condition() const override;
 
     /// Whether there is a panel that shows it.
     [[nodiscard]] bool isHosted() const { return m_isHosted; }
@@ -81,6 +75,7 @@ private:
     std::unique_ptr<QTemporaryDir> m_folder;
     StatusItemState m_state;
     PanelHabits m_habits;
+    QString m_panel; ///< the watcher's process
     std::unique_ptr<Item> m_item;
     std::unique_ptr<StatusItemMenu> m_menu;
     bool m_isHosted = false;

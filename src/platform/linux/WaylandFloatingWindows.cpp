@@ -1,6 +1,15 @@
 #include "platform/linux/WaylandFloatingWindows.h"
+#include <QGuiApplication>
+
+using namespace Qt::StringLiterals;
 
 namespace kestrel {
+
+WindowingCondition WaylandFloatingWindows::condition() const
+{
+    using enum WindowingCondition::System;
+    return { QGuiApplication::platformName().startsWith("wayland"_L1) ? Wayland : None, {} };
+}
 
 void WaylandFloatingWindows::prepare(QWindow &window, Kind kind)
 {

@@ -11,6 +11,7 @@ class WaylandFloatingWindows final : public FloatingWindows
 public:
     using FloatingWindows::FloatingWindows;
 
+    [[nodiscard]] WindowingCondition condition() const override;
     [[nodiscard]] bool canPlaceWindows() const override { return false; }
     void prepare(QWindow &window, Kind kind) override;
     void shown(QWindow & /*window*/, Kind /*kind*/) override { }

@@ -53,6 +53,12 @@ X11FloatingWindows::X11FloatingWindows(QObject *parent)
 
 X11FloatingWindows::~X11FloatingWindows() = default;
 
+WindowingCondition X11FloatingWindows::condition() const
+{
+    using enum WindowingCondition::System;
+    return { x11::isInsideWayland() ? XWayland : X11, QString::fromUtf8(x11::windowManagerName()) };
+}
+
 void X11FloatingWindows::prepare(QWindow &window, Kind kind)
 {
     Qt::WindowFlags flags = Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint;

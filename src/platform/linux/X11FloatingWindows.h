@@ -17,6 +17,7 @@ public:
     explicit X11FloatingWindows(QObject *parent = nullptr);
     ~X11FloatingWindows() override;
 
+    [[nodiscard]] WindowingCondition condition() const override;
     [[nodiscard]] bool canPlaceWindows() const override { return true; }
     void prepare(QWindow &window, Kind kind) override;
     void shown(QWindow &window, Kind kind) override;

@@ -20,6 +20,7 @@ public:
     X11Shortcuts(const X11Shortcuts &) = delete;
     X11Shortcuts &operator=(const X11Shortcuts &) = delete;
 
+    [[nodiscard]] Kind kind() const override { return Kind::X11Grabs; }
     void bind(const QList<Shortcut> &shortcuts) override;
     void setSuspended(bool suspended) override;
 

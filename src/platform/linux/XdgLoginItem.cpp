@@ -5,6 +5,7 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QStandardPaths>
 #include <algorithm>
 
 using namespace Qt::StringLiterals;
@@ -62,6 +63,18 @@ std::expected<void, QString> XdgLoginItem::setEnabled(bool enabled)
     if (const auto replaced = replaceFile(m_file, *wanted); !replaced)
         return std::unexpected(u"%1: %2"_s.arg(m_file, replaced.error()));
     return {};
+}
+
+LoginItemState XdgLoginItem::state() const
+{
+    const auto present = readFile(m_file);
+    if (!present || present->isEmpty())
+        return LoginItemState::Off;
+    if (isSwitchedOff(*present))
+        return LoginItemState::SwitchedOff;
+    const QString desktops =
+        QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) + u"/autostart"_s;
+    return QFileInfo(m_file).dir() == QDir(desktops) ? LoginItemState::On : LoginItemState::Ineffective;
 }
 
 std::expected<QByteArray, QString> XdgLoginItem::content() const

@@ -12,6 +12,7 @@ public:
     XdgLoginItem(const QString &autostartFolder, const QString &program);
 
     [[nodiscard]] std::expected<void, QString> setEnabled(bool enabled) override;
+    [[nodiscard]] LoginItemState state() const override;
 
 private:
     [[nodiscard]] std::expected<QByteArray, QString> content() const;

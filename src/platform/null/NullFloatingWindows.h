@@ -10,6 +10,7 @@ class NullFloatingWindows final : public FloatingWindows
 public:
     using FloatingWindows::FloatingWindows;
 
+    [[nodiscard]] WindowingCondition condition() const override { return {}; }
     [[nodiscard]] bool canPlaceWindows() const override { return false; }
     void prepare(QWindow & /*window*/, Kind /*kind*/) override { }
     void shown(QWindow & /*window*/, Kind /*kind*/) override { }

@@ -27,6 +27,7 @@ public:
     {
         co_return std::unexpected(notInstalled());
     }
+    [[nodiscard]] QCoro::Task<HelperCondition> condition() override { co_return HelperCondition::Missing; }
 
 private:
     static HelperError notInstalled()

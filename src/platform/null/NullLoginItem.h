@@ -13,6 +13,7 @@ public:
             return std::unexpected(QStringLiteral("starting with the session is not available here"));
         return {};
     }
+    [[nodiscard]] LoginItemState state() const override { return LoginItemState::Off; }
 };
 
 } // namespace kestrel

@@ -12,6 +12,7 @@ public:
 
     void show(const Notice & /*notice*/) override { }
     void close(const QString & /*key*/) override { }
+    [[nodiscard]] QCoro::Task<std::optional<NotificationService>> service() override { co_return {}; }
 };
 
 } // namespace kestrel

@@ -25,6 +25,7 @@ public:
     {
         co_return SecretStatus::Unavailable;
     }
+    [[nodiscard]] QCoro::Task<SecretStoreCondition> condition() override { co_return {}; }
 };
 
 } // namespace kestrel

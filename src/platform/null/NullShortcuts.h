@@ -7,6 +7,7 @@ namespace kestrel {
 class NullShortcuts final : public ShortcutBackend
 {
 public:
+    [[nodiscard]] Kind kind() const override { return Kind::None; }
     void bind(const QList<Shortcut> &shortcuts) override
     {
         QList<Outcome> outcomes;

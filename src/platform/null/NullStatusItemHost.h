@@ -11,6 +11,7 @@ public:
     using StatusItemHost::StatusItemHost;
 
     void show(const StatusItemState & /*state*/) override { }
+    [[nodiscard]] StatusItemCondition condition() const override { return {}; }
 };
 
 } // namespace kestrel
