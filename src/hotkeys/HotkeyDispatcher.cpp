@@ -32,6 +32,20 @@ void HotkeyDispatcher::forget(GlobalHotkey &hotkey)
     bindLater();
 }
 
+QList<HotkeyRegistration> HotkeyDispatcher::registrations() const
+{
+    using enum HotkeyRegistration::State;
+    QList<HotkeyRegistration> all;
+    for (const GlobalHotkey *hotkey : m_hotkeys) {
+        const auto state = hotkey->m_state;
+        all.append({ hotkey->m_shortcut,
+                     state == GlobalHotkey::State::Registered    ? Registered
+                         : state == GlobalHotkey::State::Refused ? Refused
+                                                                 : Waiting });
+    }
+    return all;
+}
+
 void HotkeyDispatcher::bindLater()
 {
     if (std::exchange(m_isBindingPlanned, true))

@@ -9,6 +9,15 @@ namespace kestrel {
 
 class GlobalHotkey;
 
+/// A shortcut that was asked for, and what the desktop said.
+struct HotkeyRegistration
+{
+    enum class State { Waiting, Registered, Refused };
+
+    ShortcutBackend::Shortcut shortcut;
+    State state = State::Waiting;
+};
+
 /// Brings the registered shortcuts to the desktop and their presses to what they do. What one turn of the
 /// event loop registers and unregisters goes to the desktop as one set when the turn ends, and not at all
 /// when it is the set that is there already and was taken whole. Owned by app/; the backend outlives it, and
@@ -21,6 +30,10 @@ public:
 
     /// While a shortcut is being recorded: no registered one takes its key away from the recorder.
     void setSuspended(bool suspended) { m_backend.setSuspended(suspended); }
+
+    /// In order of registration.
+    [[nodiscard]] QList<HotkeyRegistration> registrations() const;
+    [[nodiscard]] ShortcutBackend::Kind backend() const { return m_backend.kind(); }
 
 private:
     friend class GlobalHotkey;
