@@ -73,4 +73,34 @@ QString description(const AuthError &error)
     return std::visit(Description(), error);
 }
 
+QString causeOf(const AuthError &error)
+{
+    if (const auto *oauth = std::get_if<OAuthError>(&error)) {
+        // the text of these two ends with what the server sent
+        if (oauth->kind == OAuthError::Kind::TokenExchangeFailed
+            || oauth->kind == OAuthError::Kind::RefreshFailed)
+            return u"HTTP %1 from the sign-in server"_s.arg(oauth->status);
+        return oauth->description();
+    }
+    if (const auto *keychain = std::get_if<KeychainError>(&error))
+        return keychain->kind == KeychainError::Kind::UnexpectedStatus
+            ? u"keyring status %1"_s.arg(keychain->status)
+            : u"a keyring item that cannot be understood"_s;
+    if (const auto *loopback = std::get_if<LoopbackError>(&error))
+        return description(*loopback);
+    if (std::holds_alternative<DecodingError>(error))
+        return u"an answer that cannot be understood"_s;
+    switch (std::get<TransportError>(error).kind) {
+    case TransportError::Kind::Network:
+        return u"no connection"_s;
+    case TransportError::Kind::Timeout:
+        return u"no answer in time"_s;
+    case TransportError::Kind::AnswerTooLarge:
+        return u"an answer that is too large"_s;
+    case TransportError::Kind::Superseded:
+        return u"waiting for a network"_s;
+    }
+    Q_UNREACHABLE();
+}
+
 } // namespace kestrel

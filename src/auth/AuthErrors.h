@@ -45,4 +45,8 @@ using AuthError = std::variant<OAuthError, LoopbackError, KeychainError, Transpo
 
 [[nodiscard]] QString description(const AuthError &error);
 
+/// What kind of failure it was and its number, without a word that somebody else wrote: it may be shown to
+/// anybody.
+[[nodiscard]] QString causeOf(const AuthError &error);
+
 } // namespace kestrel

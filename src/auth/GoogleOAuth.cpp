@@ -176,14 +176,21 @@ QCoro::Task<TokenRefresher::Result> GoogleOAuth::accessToken()
     const auto stored = co_await m_store.loadAccessToken();
     if (!self)
         co_return std::unexpected(notSignedIn());
-    if (stored && *stored && (*stored)->expiresAt > m_services.clock.now() + smallestLifetime)
+    if (stored && *stored && (*stored)->expiresAt > m_services.clock.now() + smallestLifetime) {
+        m_health.expires = (*stored)->expiresAt;
         co_return (*stored)->token;
+    }
     co_return co_await refreshAccessToken();
 }
 
 QCoro::Task<TokenRefresher::Result> GoogleOAuth::refreshAccessToken()
 {
-    return m_refresher.refresh([self = QPointer(this)] { return renewAccessToken(self); });
+    const QPointer self(this);
+    const auto renewed = co_await m_refresher.refresh([self] { return renewAccessToken(self); });
+    // with nothing to renew it by, what took that away is what counts
+    if (self && renewed != std::unexpected(AuthError(notSignedIn())))
+        m_health.failure = renewed ? QString() : causeOf(renewed.error());
+    co_return renewed;
 }
 
 QCoro::Task<TokenRefresher::Result> GoogleOAuth::renewAccessToken(QPointer<GoogleOAuth> self)
@@ -227,11 +234,14 @@ QCoro::Task<TokenRefresher::Result> GoogleOAuth::renewAccessToken(QPointer<Googl
     const auto tokens = TokenResponse::fromJson(answer->body);
     if (!tokens)
         co_return std::unexpected(tokens.error());
-    const auto saved = co_await store.saveAccessToken(self->accessTokenOf(*tokens));
+    const AccessToken accessToken = self->accessTokenOf(*tokens);
+    const auto saved = co_await store.saveAccessToken(accessToken);
     if (!self)
         co_return std::unexpected(notSignedIn());
     if (!saved)
         co_return std::unexpected(saved.error());
+    self->m_health.expires = accessToken.expiresAt;
+    self->m_health.renewed = self->m_services.clock.now();
     co_return tokens->accessToken;
 }
 

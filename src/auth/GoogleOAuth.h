@@ -34,6 +34,16 @@ struct AuthServices
     QString secretService; ///< the `service` attribute of this instance's secrets
 };
 
+/// How an account's access token has fared since the process started.
+struct TokenHealth
+{
+    std::optional<Instant> expires; ///< of the last one that was read or made
+    std::optional<Instant> renewed; ///< the last time that it worked
+    QString failure; ///< causeOf() the last renewal, where that failed
+
+    friend bool operator==(const TokenHealth &, const TokenHealth &) = default;
+};
+
 /// Signs one Google account in through the browser (authorization code with PKCE, RFC 7636, over a loopback
 /// redirect), keeps a valid access token at hand, and forgets everything at sign-out. Tokens live in the
 /// secret store alone; every accessToken() reads them back. Main thread only.
@@ -52,6 +62,7 @@ public:
     /// There is no token, or the server takes it no more: only a person can help. Not so while the secret
     /// store has not answered, or cannot.
     [[nodiscard]] bool isSignedOut() const { return m_state == State::SignedOut; }
+    [[nodiscard]] const TokenHealth &tokenHealth() const { return m_health; }
     /// As the user-info endpoint reported it.
     [[nodiscard]] const std::optional<QString> &accountEmail() const { return m_accountEmail; }
 
@@ -91,6 +102,7 @@ private:
     TokenStore m_store;
     TokenRefresher m_refresher;
     State m_state = State::Unknown;
+    TokenHealth m_health;
     int m_turn = 0; ///< counts sign-ins and sign-outs: what began before one must not undo it
     std::optional<QString> m_accountEmail;
 };

@@ -111,6 +111,23 @@ QString description(const CalendarFailure &failure)
     return description(std::get<AuthError>(failure));
 }
 
+QString causeOf(const CalendarFailure &failure)
+{
+    const auto *own = std::get_if<CalendarError>(&failure);
+    if (!own)
+        return causeOf(std::get<AuthError>(failure));
+    switch (own->kind) {
+    case CalendarError::Kind::HttpStatus:
+        return u"HTTP %1"_s.arg(own->status);
+    case CalendarError::Kind::Decoding:
+        return u"an answer that cannot be understood"_s;
+    case CalendarError::Kind::NoEvents:
+    case CalendarError::Kind::FullSyncRequired:
+        return own->description();
+    }
+    Q_UNREACHABLE();
+}
+
 bool isSuperseded(const CalendarFailure &failure)
 {
     const auto *auth = std::get_if<AuthError>(&failure);

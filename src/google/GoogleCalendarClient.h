@@ -30,6 +30,9 @@ using CalendarFailure = std::variant<CalendarError, AuthError>;
 
 [[nodiscard]] QString description(const CalendarFailure &failure);
 /// A newer read for the same calendar took this one's place while both waited for a network.
+/// As for an AuthError.
+[[nodiscard]] QString causeOf(const CalendarFailure &failure);
+
 [[nodiscard]] bool isSuperseded(const CalendarFailure &failure);
 
 /// The two reads of the Google Calendar API v3 for one account. Keeps no state about failures; retries once,

@@ -22,6 +22,7 @@ struct GoogleProvider::Session
 
     GoogleOAuth oauth;
     GoogleCalendarClient client;
+    ReadHealth health;
 };
 
 namespace {
@@ -72,6 +73,12 @@ GoogleProvider::~GoogleProvider()
 {
     // by hand, so that a sign-in that resumes for it finds itself gone
     std::exchange(m_signingIn, {}).clear();
+}
+
+ReadHealth GoogleProvider::readHealth(const QString &accountID) const
+{
+    const auto found = m_sessions.find(accountID);
+    return found == m_sessions.end() ? ReadHealth() : found->second->health;
 }
 
 GoogleOAuth &GoogleProvider::oauth(const QString &accountID)
@@ -217,6 +224,7 @@ GoogleProvider::fetchUpcomingMeetings(QString accountID, QStringList calendarIDs
     if (calendarIDs.isEmpty())
         calendarIDs.append(primaryAlias);
 
+    ReadHealth health { session->health.lastGood, calendarIDs.size(), 0, {} };
     std::multimap<Instant, Meeting> byStart; // of equal starts, the one that came first stays first
     for (const QString &calendarID : std::as_const(calendarIDs)) {
         const GoogleEventMapper::Origin origin { accountID, calendarID, colorOf(calendarID, *account, listed),
@@ -231,6 +239,8 @@ GoogleProvider::fetchUpcomingMeetings(QString accountID, QStringList calendarIDs
             qCCritical(lcCalendar).noquote().nospace()
                 << "Failed fetching " << Private(calendarID) << " for account " << accountID << ": "
                 << errorForLog(description(events.error()));
+            if (health.failed++ == 0)
+                health.failure = causeOf(events.error());
             continue;
         }
         for (qsizetype i = 0; i < events->items.size(); ++i) {
@@ -251,6 +261,9 @@ GoogleProvider::fetchUpcomingMeetings(QString accountID, QStringList calendarIDs
     co_await turns->next(); // whoever takes the meetings has work to do as well
     if (!self || !m_registry.account(accountID))
         co_return std::unexpected(FetchError { FetchError::Kind::AccountGone });
+    if (health.failed == 0)
+        health.lastGood = m_services.clock.now();
+    session->health = health;
     co_return meetings;
 }
 

@@ -23,6 +23,17 @@ struct FetchError
     [[nodiscard]] QString description() const;
 };
 
+/// How reading an account's calendars has gone since the process started.
+struct ReadHealth
+{
+    std::optional<Instant> lastGood; ///< when all of them were read last
+    qsizetype calendars = 0; ///< that the last read went through
+    qsizetype failed = 0; ///< of these
+    QString failure; ///< causeOf() the first of those
+
+    friend bool operator==(const ReadHealth &, const ReadHealth &) = default;
+};
+
 /// The one source of meetings: keeps a session per signed-in Google account. A task that is under way keeps
 /// what it works with and may outlive the provider: it then ends without a trace. Only a sign-in ends with
 /// the provider, since it waits for a person. Main thread only.
@@ -43,6 +54,7 @@ public:
     {
         return m_calendarsByAccount;
     }
+    [[nodiscard]] ReadHealth readHealth(const QString &accountID) const;
     /// The account's sign-in, created when there is none yet.
     [[nodiscard]] GoogleOAuth &oauth(const QString &accountID);
 
