@@ -82,6 +82,14 @@ void AlertCard::showAt(QPoint origin)
     m_view->create();
     shape();
     m_isShown = true;
+    m_isDrawn = false;
+    connect(
+        m_view.get(), &QQuickWindow::frameSwapped, this,
+        [this] {
+            m_isDrawn = true;
+            Q_EMIT drawn();
+        },
+        Qt::SingleShotConnection);
     Q_EMIT isShownChanged();
     m_view->show();
     m_floatingWindows.shown(*m_view, FloatingWindows::Kind::Card);

@@ -44,6 +44,8 @@ public:
     [[nodiscard]] QRect bodyAt(QPoint origin) const;
     [[nodiscard]] QPoint position() const;
 
+    /// Since it was last shown: it was really drawn on the screen.
+    [[nodiscard]] bool isDrawn() const { return m_isDrawn; }
     [[nodiscard]] bool isShown() const { return m_isShown; }
     /// Maps the built window there, or moves it.
     void showAt(QPoint origin);
@@ -60,6 +62,7 @@ public:
 
 Q_SIGNALS:
     void isShownChanged();
+    void drawn();
     void dismissed();
 
 protected:
@@ -79,6 +82,7 @@ private:
     QPoint m_pointer;
     QPoint m_grip;
     bool m_isShown = false;
+    bool m_isDrawn = false;
 };
 
 } // namespace kestrel

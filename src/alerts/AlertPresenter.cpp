@@ -68,6 +68,15 @@ QStringList AlertPresenter::activeIDs() const
     return ids;
 }
 
+std::optional<QRect> AlertPresenter::placeOf(const QString &meetingID) const
+{
+    const auto card =
+        std::ranges::find(m_active, meetingID, [](const auto &each) { return each->meetingID(); });
+    if (card == m_active.end() || !(*card)->isShown() || !(*card)->isDrawn())
+        return {};
+    return (*card)->bodyAt((*card)->position());
+}
+
 void AlertPresenter::present(const Meeting &meeting)
 {
     if (find(meeting.id) != m_active.end())
@@ -131,6 +140,7 @@ AlertCard &AlertPresenter::append(const Meeting &meeting)
 {
     auto card = std::make_unique<AlertCard>(meeting, m_opener, m_clock, m_scene, m_floatingWindows, m_theme);
     connect(card.get(), &AlertCard::dismissed, this, [this, id = meeting.id] { dismiss(id); });
+    connect(card.get(), &AlertCard::drawn, this, [this, id = meeting.id] { Q_EMIT drawn(id); });
     return *m_active.emplace_back(std::move(card));
 }
 

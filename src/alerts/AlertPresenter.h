@@ -3,9 +3,11 @@
 #include "model/Meeting.h"
 #include <QObject>
 #include <QPoint>
+#include <QRect>
 #include <QStringList>
 #include <QVariantAnimation>
 #include <memory>
+#include <optional>
 #include <vector>
 
 namespace kestrel {
@@ -42,6 +44,13 @@ public:
 
     /// The oldest first, with those that wait.
     [[nodiscard]] QStringList activeIDs() const;
+    /// Where the meeting's card stands, once it was drawn there; nothing while it was not, or where notices
+    /// stand for cards.
+    [[nodiscard]] std::optional<QRect> placeOf(const QString &meetingID) const;
+
+Q_SIGNALS:
+    /// A card was drawn for the first time since it was shown.
+    void drawn(const QString &meetingID);
 
 private:
     using Cards = std::vector<std::unique_ptr<AlertCard>>;

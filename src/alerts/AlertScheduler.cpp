@@ -77,20 +77,14 @@ void AlertScheduler::rearm()
     }
 
     const Instant now = m_clock.now();
-    const std::chrono::seconds lead = leadTime(m_preferences);
-    QMap<Instant, QList<const Meeting *>> groups;
-    qsizetype candidates = 0;
-    for (const Meeting &meeting : m_store->upcoming()) {
-        if (meeting.start <= now)
-            continue;
-        groups[meeting.start].append(&meeting);
-        ++candidates;
-    }
-
-    m_armed = earliestFire(groups, now, lead);
+    const Groups groups = groupsAfter(now);
+    m_armed = earliestFire(groups, now, m_alerted);
     if (!m_armed) {
-        qCInfo(lcAlerts).noquote().nospace()
-            << "rearm: no candidates (upcoming=" << candidates << ", lead=" << lead.count() << "s)";
+        qsizetype candidates = 0;
+        for (const auto &group : groups)
+            candidates += group.size();
+        qCInfo(lcAlerts).noquote().nospace() << "rearm: no candidates (upcoming=" << candidates
+                                             << ", lead=" << leadTime(m_preferences).count() << "s)";
         return;
     }
     const auto delay = std::max<Instant::duration>(m_armed->date - now, 0ms);
@@ -100,10 +94,37 @@ void AlertScheduler::rearm()
     m_timer.arm(m_armed->date);
 }
 
-std::optional<AlertScheduler::Fire>
-AlertScheduler::earliestFire(const QMap<Instant, QList<const Meeting *>> &groups, Instant now,
-                             std::chrono::seconds lead) const
+QList<AlertScheduler::Fire> AlertScheduler::upcomingFires(qsizetype count) const
 {
+    QList<Fire> fires;
+    if (!m_store)
+        return fires;
+    Alerted alerted = m_alerted;
+    Instant now = m_clock.now();
+    for (auto next = m_armed ? m_armed : earliestFire(groupsAfter(now), now, alerted);
+         next && fires.size() < count; next = earliestFire(groupsAfter(now), now, alerted)) {
+        for (const Meeting &meeting : std::as_const(next->meetings))
+            alerted.insert(meeting.id, next->isPrimary);
+        now = std::max(now, next->date);
+        fires.append(*std::move(next));
+    }
+    return fires;
+}
+
+AlertScheduler::Groups AlertScheduler::groupsAfter(Instant now) const
+{
+    Groups groups;
+    for (const Meeting &meeting : m_store->upcoming()) {
+        if (meeting.start > now)
+            groups[meeting.start].append(&meeting);
+    }
+    return groups;
+}
+
+std::optional<AlertScheduler::Fire> AlertScheduler::earliestFire(const Groups &groups, Instant now,
+                                                                 const Alerted &alerted) const
+{
+    const std::chrono::seconds lead = leadTime(m_preferences);
     std::optional<Instant> date;
     const QList<const Meeting *> *chosen = nullptr;
     bool isPrimary = true;
@@ -114,18 +135,18 @@ AlertScheduler::earliestFire(const QMap<Instant, QList<const Meeting *>> &groups
         chosen = &group;
         isPrimary = primary;
     };
-    const auto hasNewOne = [](const QList<const Meeting *> &group, const QSet<QString> &alerted) {
+    const auto hasNewOne = [](const QList<const Meeting *> &group, const QSet<QString> &known) {
         return std::ranges::any_of(group,
-                                   [&](const Meeting *meeting) { return !alerted.contains(meeting->id); });
+                                   [&](const Meeting *meeting) { return !known.contains(meeting->id); });
     };
 
     const bool alertsTwice = m_preferences.secondaryAlertOneMinute();
     for (auto group = groups.cbegin(); group != groups.cend(); ++group) {
-        if (hasNewOne(*group, m_firedPrimary)) {
+        if (hasNewOne(*group, alerted.primary)) {
             const Instant due = group.key() - lead;
             consider(due > now ? due : now + 100ms, *group, true);
         }
-        if (alertsTwice && hasNewOne(*group, m_firedSecondary)) {
+        if (alertsTwice && hasNewOne(*group, alerted.secondary)) {
             const Instant due = group.key() - 60s;
             if (due > now)
                 consider(due, *group, false);
@@ -160,7 +181,7 @@ void AlertScheduler::presentFire(Fire fire)
         if (!m_presenter)
             break;
         m_presenter->present(meeting);
-        (fire.isPrimary ? m_firedPrimary : m_firedSecondary).insert(meeting.id);
+        m_alerted.insert(meeting.id, fire.isPrimary);
     }
     rearm();
 }

@@ -31,19 +31,34 @@ public:
     /// than planned away.
     void rearm();
 
-private:
     struct Fire
     {
         Instant date;
         QList<Meeting> meetings; ///< all that start at the same instant, in the store's order
         bool isPrimary = true;
     };
+    /// The next alerts in their order, at most `count`: the one that is armed, and what would be planned
+    /// after each of them if nothing changed.
+    [[nodiscard]] QList<Fire> upcomingFires(qsizetype count) const;
+
+private:
+    /// The identifiers of the meetings that were alerted.
+    struct Alerted
+    {
+        QSet<QString> primary;
+        QSet<QString> secondary;
+
+        void insert(const QString &id, bool isPrimary) { (isPrimary ? primary : secondary).insert(id); }
+    };
+    using Groups = QMap<Instant, QList<const Meeting *>>; ///< by start
 
     void rearmLater();
     void rearmIfOthersAreUpcoming();
     /// The earliest alert of `groups`; of equal ones the one of the earlier group, and the primary first.
-    [[nodiscard]] std::optional<Fire> earliestFire(const QMap<Instant, QList<const Meeting *>> &groups,
-                                                   Instant now, std::chrono::seconds lead) const;
+    [[nodiscard]] std::optional<Fire> earliestFire(const Groups &groups, Instant now,
+                                                   const Alerted &alerted) const;
+    /// What the store has that starts later than `now`.
+    [[nodiscard]] Groups groupsAfter(Instant now) const;
     void presentLater();
     void presentFire(Fire fire);
 
@@ -54,8 +69,7 @@ private:
     WakeTimer &m_timer;
     QStringList m_upcomingIDs;
     std::optional<Fire> m_armed;
-    QSet<QString> m_firedPrimary;
-    QSet<QString> m_firedSecondary;
+    Alerted m_alerted;
 };
 
 } // namespace kestrel

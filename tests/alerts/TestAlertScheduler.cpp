@@ -110,6 +110,16 @@ void TestAlertScheduler::presentsInTheOrderOfThePlan()
     desk.preferences.setSecondaryAlertOneMinute(alertsTwice);
     desk.start();
 
+    QStringList foreseen;
+    for (const AlertScheduler::Fire &fire : desk.scheduler->upcomingFires(10)) {
+        QStringList words { toInternetDateTimeWithMilliseconds(fire.date).sliced(11, 12) };
+        for (const Meeting &meeting : fire.meetings)
+            words += meeting.id;
+        foreseen += words.join(u' ');
+    }
+    QCOMPARE(foreseen, expected);
+    QCOMPARE(desk.scheduler->upcomingFires(1).size(), std::min<qsizetype>(expected.size(), 1));
+
     QStringList presented;
     while (desk.timer.armed && presented.size() < 10) {
         desk.clock.setNow(*desk.timer.armed);
