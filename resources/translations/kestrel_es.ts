@@ -51,6 +51,10 @@
         <source>countdown.now</source>
         <translation>Ahora</translation>
     </message>
+    <message id="doctor.test_alert">
+        <source>doctor.test_alert</source>
+        <translation>Aviso de prueba de Kestrel</translation>
+    </message>
     <message id="duration.h %lld">
         <source>duration.h %lld</source>
         <translation>%1 h</translation>

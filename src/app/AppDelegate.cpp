@@ -49,6 +49,8 @@ AppDelegate::AppDelegate(PreferenceStore &preferenceStore, const AuthServices &s
                    m_environment, m_environment.opener(), m_environment.clock(), desktop.sounds,
                    desktop.loginItem, desktop.browser, m_hotkeys, desktop.keyMonitor, start.missingClient })
     , m_settingsWindow(desktop.scene, desktop.screens, m_settings)
+    , m_doctor({ m_environment, services.secrets, services.transport, desktop, m_hotkeys, m_bridge,
+                 start.missingClient.isEmpty(), start.doctorPatience })
 {
     Preferences &preferences = m_environment.preferences();
     setLaunchAtLogin(preferences.launchAtLogin(), desktop.loginItem);

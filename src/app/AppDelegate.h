@@ -1,6 +1,7 @@
 #pragma once
 #include "app/AppEnvironment.h"
 #include "app/DesktopServices.h"
+#include "app/Doctor.h"
 #include "app/OnboardingModel.h"
 #include "hotkeys/GlobalHotkey.h"
 #include "hotkeys/HotkeyDispatcher.h"
@@ -28,6 +29,7 @@ public:
         bool isJustInstalled = false;
         QString missingClient {}; ///< what to say instead of a sign-in that cannot work; empty when it can
         quint16 bridgePort = 18424;
+        std::chrono::milliseconds doctorPatience = Doctor::usualPatience;
     };
 
     /// What it is given outlives it.
@@ -39,6 +41,7 @@ public:
     [[nodiscard]] AppEnvironment &environment() { return m_environment; }
     [[nodiscard]] AgendaModel &agenda() { return m_agenda; }
     [[nodiscard]] const MenuBarController &menuBar() const { return m_menuBar; }
+    [[nodiscard]] Doctor &doctor() { return m_doctor; }
 
     /// Joins what a person would mean now, or shows the agenda where there is nothing to join. The meeting
     /// that is joined, if any.
@@ -84,6 +87,7 @@ private:
     SettingsWindow m_settingsWindow;
     std::unique_ptr<GlobalHotkey> m_joinShortcut;
     StreamDeckBridge m_bridge;
+    Doctor m_doctor;
     bool m_appliesLater = false;
     bool m_broadcastsLater = false;
 };

@@ -41,6 +41,7 @@ public:
     [[nodiscard]] GoogleProvider &google() { return m_google; }
     [[nodiscard]] MeetingOpener &opener() { return m_opener; }
     [[nodiscard]] AlertPresenter &presenter() { return m_presenter; }
+    [[nodiscard]] const AlertScheduler &scheduler() const { return m_scheduler; }
     [[nodiscard]] MeetState &meetState() { return m_meetState; }
 
     /// Of refreshes that overlap, the first to finish sets it to false.

@@ -112,6 +112,8 @@ QCoro::Task<VerbResult> Verbs::run(QStringList arguments)
         co_return show();
     if (line->verb == "settings"_L1)
         co_return settings();
+    if (line->verb == "doctor"_L1)
+        co_return co_await doctor(line->json, line->testAlert);
     co_return failed(ExitCode::Usage, u"\"%1\" is not for a running Kestrel."_s.arg(line->verb));
 }
 
@@ -196,6 +198,14 @@ VerbResult Verbs::settings()
     if (!m_delegate->showSettings())
         return failed(ExitCode::Failed, u"This Kestrel runs without a display."_s);
     return done({});
+}
+
+QCoro::Task<VerbResult> Verbs::doctor(bool json, bool withTestAlert)
+{
+    const DoctorReport report = co_await m_delegate->doctor().examine(withTestAlert);
+    co_return VerbResult { report.isGood() ? ExitCode::Success : ExitCode::Failed,
+                           json ? doctorJson(report) : doctorText(report),
+                           {} };
 }
 
 QCoro::Task<VerbResult> Verbs::addAccount()

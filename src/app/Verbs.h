@@ -36,6 +36,7 @@ private:
     [[nodiscard]] VerbResult dismiss();
     [[nodiscard]] VerbResult show();
     [[nodiscard]] VerbResult settings();
+    [[nodiscard]] QCoro::Task<VerbResult> doctor(bool json, bool withTestAlert);
     [[nodiscard]] QCoro::Task<VerbResult> addAccount();
     [[nodiscard]] VerbResult listAccounts(bool json) const;
     [[nodiscard]] QCoro::Task<VerbResult> removeAccount(QString account);

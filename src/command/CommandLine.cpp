@@ -55,6 +55,12 @@ constexpr std::array verbs {
         "meetReactLaugh, meetReactSurprise, meetReactSad, meetReactThinking, meetReactThumbsDown or\n"
         "meetReactLove. Without a Meet tab the agenda is shown."_L1,
         1, 1, ""_L1, true },
+    Verb { "doctor"_L1, "doctor [--json] [--test-alert]"_L1, "will the next alert fire, and be seen?"_L1,
+           "Has the running Kestrel look at everything that an alert needs, and says what stands in its way. "
+           "Nothing in it\n"
+           "is private: it may be pasted into a bug report. --test-alert shows an alert for a few seconds.\n"
+           "Exit code 0: nothing stands in the way; 1: something does; 3: Kestrel is not running."_L1,
+           0, 0, "json test-alert"_L1, true },
     Verb {
         "accounts"_L1, "accounts add | list [--json] | sign-in ACCOUNT | remove ACCOUNT"_L1,
         "sign in, list, sign out"_L1,
@@ -139,6 +145,7 @@ std::expected<CommandLine, QString> CommandLine::parse(const QStringList &argume
         { u"json"_s, {} },
         { u"waybar"_s, {} },
         { u"follow"_s, {} },
+        { u"test-alert"_s, {} },
         { u"kestrel-just-installed"_s, {} },
         { u"now"_s, {}, u"INSTANT"_s },
         { u"account"_s, {}, u"ID"_s },
@@ -157,6 +164,7 @@ std::expected<CommandLine, QString> CommandLine::parse(const QStringList &argume
     line.follow = parser.isSet(u"follow"_s);
     if (line.json && line.waybar)
         return std::unexpected(u"--json and --waybar exclude each other."_s);
+    line.testAlert = parser.isSet(u"test-alert"_s);
     line.help = parser.isSet(u"help"_s);
     line.version = parser.isSet(u"version"_s);
     line.justInstalled = parser.isSet(u"kestrel-just-installed"_s);
@@ -176,7 +184,7 @@ std::expected<CommandLine, QString> CommandLine::parse(const QStringList &argume
 
     QStringList verbOptions;
     for (const QString &option :
-         { u"json"_s, u"waybar"_s, u"follow"_s, u"now"_s, u"account"_s, u"calendar"_s }) {
+         { u"json"_s, u"waybar"_s, u"follow"_s, u"test-alert"_s, u"now"_s, u"account"_s, u"calendar"_s }) {
         if (parser.isSet(option))
             verbOptions.append(option);
     }
@@ -201,6 +209,8 @@ QStringList CommandLine::forHandOver() const
         all += u"--waybar"_s;
     if (follow)
         all += u"--follow"_s;
+    if (testAlert)
+        all += u"--test-alert"_s;
     return all;
 }
 

@@ -22,6 +22,7 @@ struct CommandLine
     bool json = false;
     bool waybar = false; ///< as waybar's custom modules read it
     bool follow = false; ///< a line, and another at every change
+    bool testAlert = false; ///< doctor shows one
     bool help = false;
     bool version = false;
     bool justInstalled = false; ///< this start is the first of a fresh installation

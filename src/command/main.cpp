@@ -1,9 +1,11 @@
 #include "base/Log.h"
 #include "command/CommandLine.h"
+#include "command/DoctorVerb.h"
 #include "command/HandOver.h"
 #include "command/InstancePlace.h"
 #include "command/StatusFollower.h"
 #include "platform/linux/DBusSessionInstance.h"
+#include "platform/linux/XdgLoginItem.h"
 #include <QCoreApplication>
 #include <QFile>
 #include <cerrno>
@@ -58,6 +60,10 @@ int main(int argc, char **argv)
     if (line->follow) {
         const StatusFollower follower(instance, *line);
         return QCoreApplication::exec();
+    }
+    if (line->verb == "doctor"_L1) {
+        const XdgLoginItem loginItem(place->autostartFolder, companionProgram("kestrel"_L1));
+        return printWhenDone(doctorVerb(instance, place->busName, loginItem, *line));
     }
     return printWhenDone(handedOver(instance, line->forHandOver()));
 }

@@ -44,6 +44,8 @@ private Q_SLOTS:
         row("--secret-store file", true);
         row("--secret-store cloud", false);
         row("agenda --colour", false);
+        row("doctor --json --test-alert", true);
+        row("status --test-alert", false);
         row("action", false);
         row("action meetMute", true);
         row("action meetmute", false);

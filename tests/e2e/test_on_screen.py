@@ -2,6 +2,8 @@
 
 import os
 import pathlib
+import re
+import signal
 import subprocess
 import tempfile
 import time
@@ -78,6 +80,30 @@ class OnScreen(unittest.TestCase):
         with self.subTest("the countdown is on the panel"):
             wait_until(lambda: item_property("XAyatanaLabel") in ("in 42 min", "in 41 min"), "the countdown's text")
             wait_until(lambda: len(differing_columns(icon_alone, self.panel())) > 20, "the countdown drawn by the panel")
+
+        with self.subTest("the doctor finds nothing wrong, and its test alert stands where it says"):
+            report = kestrel.done("doctor", "--test-alert")
+            self.assertRegex(report, r"^✓ Your next alert fires at \d\d:\d\d:\d\d \(in 3[67] min\)\.\n")
+            self.assertRegex(report, f"✓ cards at the top right of {WIDTH}×\\d+ at 0,{PANEL_HEIGHT} \\(X11, Openbox, no")
+            self.assertIn(" shows the countdown as text\n", report)
+            self.assertRegex(report, r"✓ account 1: signed in, \d+ calendars? read \d+ s ago")
+            self.assertNotRegex(report, f"@|Later|robin|{kestrel.data}|{os.environ['HOME']}")
+            place = re.search(r"✓ shown as a card, (\d+)×(\d+) at (\d+),(\d+)", report)
+            x, y, width, _ = geometry(windows("Kestrel test alert")[0])
+            self.assertEqual([x + SHADOW_SIDE, y + SHADOW_TOP, width - 2 * SHADOW_SIDE],
+                             [int(place[n]) for n in (3, 4, 1)])
+            kestrel.done("dismiss")
+            wait_until(lambda: not windows("Kestrel test alert"), "the test alert closed")
+
+        with self.subTest("a Kestrel that hangs is told by the doctor"):
+            kestrel.process.send_signal(signal.SIGSTOP)
+            try:
+                report = kestrel.verb("doctor")
+            finally:
+                kestrel.process.send_signal(signal.SIGCONT)
+            self.assertEqual(report.returncode, 1)
+            self.assertTrue(report.stdout.startswith("✗ No alert will fire.\n"), report.stdout)
+            self.assertIn(f"(process {kestrel.process.pid})", report.stdout)
 
         with self.subTest("a click on it opens the agenda below the panel, Escape closes it"):
             time.sleep(1)

@@ -167,6 +167,28 @@ class SignedIn(unittest.TestCase):
         kestrel.start()
         wait_until(lambda: len(kestrel.json("agenda")) > 5, "the agenda after a kill")
 
+    def test_the_doctor_tells_a_locked_keyring(self):  # the last one by its name, since it leaves it locked
+        kestrel = self.kestrel
+        absent = kestrel.verb("doctor")
+        self.assertEqual(absent.returncode, 3)
+        self.assertIn("✗ No alert will fire.\n\n  Kestrel  ✗ Kestrel is not running.", absent.stdout)
+        kestrel.start()
+        kestrel.done("accounts", "add")
+        kestrel.done("refresh")
+
+        def findings():
+            report = json.loads(kestrel.verb("doctor", "--json").stdout)
+            return {each["section"]: (each["state"], each["text"]) for each in report["findings"]}
+        before = findings()
+        self.assertEqual(before["Keyring"][0], "good", before)
+        self.assertRegex(before["Keyring"][1], r"^open \(gnome-keyring-d\w*\)$")
+        self.assertEqual(before["Accounts"][0], "good", before)
+        self.assertEqual(before["Surface"], ("bad", "there is no display"))
+        subprocess.run(["gdbus", "call", "--session", "--dest", "org.freedesktop.secrets", "--object-path",
+                        "/org/freedesktop/secrets", "--method", "org.freedesktop.Secret.Service.Lock",
+                        "['/org/freedesktop/secrets/collection/login']"], check=True, timeout=20)
+        self.assertRegex(str(findings()["Keyring"]), r"\('bad', 'locked \(gnome-keyring-d\w*\)'\)")
+
 
 if __name__ == "__main__":
     unittest.main(verbosity=2)
