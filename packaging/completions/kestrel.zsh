@@ -47,7 +47,7 @@ _kestrel() {
         doctor) _arguments $common '--json[print JSON]' '--test-alert[show an alert for a few seconds]' ;;
         action) _arguments $common "1:action:($actions)" ;;
         accounts)
-            if (( CURRENT > 2 )) && [[ $words[2] == remove ]]; then
+            if (( CURRENT > 2 )) && [[ $words[2] == (remove|sign-in) ]]; then
                 _arguments $common '1:command:(add list sign-in remove)' '2:account:_kestrel_accounts'
             else
                 _arguments $common '--json[print JSON]' '1:command:(add list sign-in remove)'
