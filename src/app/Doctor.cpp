@@ -364,7 +364,7 @@ void Doctor::examineAccounts(const Answers &answers, DoctorReport &report) const
         } else if (!oauth.isSignedIn()) {
             finding.text = u"not signed in"_s
                 + (token.failure.isEmpty() ? QString() : u" any more (%1)"_s.arg(token.failure));
-            finding.advice = u"Sign in again with: kestrel accounts add"_s;
+            finding.advice = u"Sign in again: in the settings, or kestrel accounts sign-in ADDRESS"_s;
         } else if (read.failed > 0 && read.failed == read.calendars) {
             finding.text = u"%1; the last attempt failed: %2"_s.arg(lastGood, read.failure);
         } else if (read.failed > 0) {
