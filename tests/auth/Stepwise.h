@@ -82,6 +82,7 @@ public:
         co_await m_gate.pass();
         co_return co_await m_service.remove(item);
     }
+    QCoro::Task<SecretStoreCondition> condition() override { return m_service.condition(); }
 };
 
 class StepwiseTransport final : public Stepwise<HttpTransport>
@@ -98,6 +99,7 @@ public:
     {
         return m_service.waitForNetwork(account, address);
     }
+    [[nodiscard]] bool isOnline() const override { return m_service.isOnline(); }
 };
 
 class StepwiseOpener final : public Stepwise<UrlOpener>
