@@ -1,6 +1,5 @@
 #include "auth/LoopbackServer.h"
 #include "auth/ResultPage.h"
-#include "auth/Utf8.h"
 #include "base/Log.h"
 #include <QCoreApplication>
 #include <QCoro/QCoroFuture>
@@ -12,7 +11,6 @@
 #include <algorithm>
 #include <arpa/inet.h>
 #include <array>
-#include <cctype>
 #include <cerrno>
 #include <functional>
 #include <netinet/in.h>
@@ -52,67 +50,6 @@ bool isFromThisMachine(int descriptor)
         || peer.sin_family != AF_INET)
         return false;
     return QHostAddress(ntohl(peer.sin_addr.s_addr)).isLoopback();
-}
-
-std::optional<QString> percentDecode(QStringView text)
-{
-    const QByteArray encoded = text.toUtf8();
-    const auto isHexDigit = [&](qsizetype at) {
-        return at < encoded.size() && std::isxdigit(quint8(encoded[at]));
-    };
-    for (qsizetype at = encoded.indexOf('%'); at >= 0; at = encoded.indexOf('%', at + 1)) {
-        if (!isHexDigit(at + 1) || !isHexDigit(at + 2))
-            return {};
-    }
-    return fromStrictUtf8(QByteArray::fromPercentEncoding(encoded));
-}
-
-struct QueryItem
-{
-    QString name;
-    std::optional<QString> value; ///< nothing without a "="
-};
-
-/// Nothing at all when any of it is not valid percent-encoding of UTF-8. Unlike in a form, "+" stands for
-/// itself.
-QList<QueryItem> parseQuery(QStringView query)
-{
-    QList<QueryItem> items;
-    for (const QStringView part : query.tokenize(u'&')) {
-        const qsizetype separator = part.indexOf(u'=');
-        const auto name = percentDecode(separator < 0 ? part : part.first(separator));
-        const auto value =
-            separator < 0 ? std::optional(QString()) : percentDecode(part.sliced(separator + 1));
-        if (!name || !value)
-            return {};
-        items.append({ *name, separator < 0 ? std::nullopt : value });
-    }
-    return items;
-}
-
-const QueryItem *firstNamed(const QList<QueryItem> &items, QLatin1StringView name)
-{
-    const auto found =
-        std::find_if(items.begin(), items.end(), [&](const QueryItem &item) { return item.name == name; });
-    return found == items.end() ? nullptr : &*found;
-}
-
-/// The value of the first line that begins like a Host header, the request line included.
-std::optional<QString> hostOf(const QStringList &lines)
-{
-    constexpr auto name = "host:"_L1;
-    const auto line = std::find_if(lines.begin(), lines.end(), [&](const QString &candidate) {
-        return candidate.toLower().startsWith(name);
-    });
-    if (line == lines.end())
-        return {};
-    QStringView value = QStringView(*line).sliced(name.size());
-    const auto isBlank = [](QChar c) { return c == u' ' || c == u'\t'; };
-    while (!value.isEmpty() && isBlank(value.front()))
-        value = value.sliced(1);
-    while (!value.isEmpty() && isBlank(value.back()))
-        value.chop(1);
-    return value.toString();
 }
 
 } // namespace
@@ -289,40 +226,25 @@ void LoopbackServer::finish(const Result &result)
 
 LoopbackServer::Answer LoopbackServer::answerTo(const std::optional<QByteArray> &chunk)
 {
-    Answer badRequest { response(400, "Bad request"), std::unexpected(LoopbackError::MalformedRequest) };
-    const auto text = chunk ? fromStrictUtf8(*chunk) : std::nullopt;
-    if (!text)
-        return badRequest;
-    const QStringList lines = text->split("\r\n"_L1);
-    const QStringList words = lines.first().split(u' ', Qt::SkipEmptyParts);
-    if (words.size() < 2 || words[0] != "GET"_L1)
-        return badRequest;
-    const auto host = hostOf(lines);
-    if (!host || host->toLower() != u"127.0.0.1:%1"_s.arg(port()))
+    using Kind = RedirectFault::Kind;
+    const auto callback = chunk ? readRedirect(*chunk, port()) : std::unexpected(RedirectFault());
+    if (callback)
+        return { response(200, page(u"You can close this window."_s)), *callback };
+    const Result malformed = std::unexpected(LoopbackError::MalformedRequest);
+    switch (callback.error().kind) {
+    case Kind::Unreadable:
+        break;
+    case Kind::BadHost:
         return { response(400, "Bad host"), {} };
-    if (!words[1].startsWith("/callback"_L1))
+    case Kind::WrongPath:
         return { response(404, "Not found"), {} };
-    return answerToTarget(words[1]);
-}
-
-LoopbackServer::Answer LoopbackServer::answerToTarget(const QString &target)
-{
-    Answer incomplete { response(400, "Missing code/state"),
-                        std::unexpected(LoopbackError::MalformedRequest) };
-    const qsizetype mark = target.indexOf(u'?');
-    const auto items = mark < 0 ? QList<QueryItem>() : parseQuery(QStringView(target).sliced(mark + 1));
-    if (const auto *error = firstNamed(items, "error"_L1)) {
-        if (!error->value)
-            return incomplete;
-        qCInfo(lcAuth).noquote() << "OAuth callback returned error" << errorForLog(*error->value);
-        return { response(200, page(u"Sign-in cancelled."_s)),
-                 std::unexpected(LoopbackError::MalformedRequest) };
+    case Kind::Incomplete:
+        return { response(400, "Missing code/state"), malformed };
+    case Kind::Denied:
+        qCInfo(lcAuth).noquote() << "OAuth callback returned error" << errorForLog(callback.error().error);
+        return { response(200, page(u"Sign-in cancelled."_s)), malformed };
     }
-    const auto *code = firstNamed(items, "code"_L1);
-    const auto *state = firstNamed(items, "state"_L1);
-    if (!code || !code->value || !state || !state->value)
-        return incomplete;
-    return { response(200, page(u"You can close this window."_s)), Callback { *code->value, *state->value } };
+    return { response(400, "Bad request"), malformed };
 }
 
 QByteArray LoopbackServer::page(const QString &message)

@@ -1,5 +1,6 @@
 #pragma once
 #include "auth/AuthErrors.h"
+#include "auth/RedirectRequest.h"
 #include <QByteArray>
 #include <QCoro/QCoroTask>
 #include <QObject>
@@ -19,13 +20,7 @@ class LoopbackServer final : public QObject
 {
     Q_OBJECT
 public:
-    struct Callback
-    {
-        QString code;
-        QString state;
-
-        friend bool operator==(const Callback &, const Callback &) = default;
-    };
+    using Callback = RedirectCallback;
     using Result = std::expected<Callback, LoopbackError>;
 
     /// `logoPath` is the SVG file that the page shows; without one it shows a plain mark.
@@ -57,7 +52,6 @@ private:
 
     /// `chunk` is what came first, as received; nothing when the connection ended without a byte.
     [[nodiscard]] Answer answerTo(const std::optional<QByteArray> &chunk);
-    [[nodiscard]] Answer answerToTarget(const QString &target);
     [[nodiscard]] QByteArray page(const QString &message);
     void finish(const Result &result);
 
