@@ -1,6 +1,6 @@
 #include "streamdeck/DeckHandshake.h"
 #include "base/Log.h"
-#include <algorithm>
+#include "streamdeck/HandshakeHead.h"
 #include <chrono>
 #include <utility>
 
@@ -10,21 +10,8 @@ namespace kestrel {
 
 namespace {
 
-constexpr qsizetype longestHead = 8192;
 constexpr auto headTime = 5s;
 constexpr auto closingTime = 2s;
-
-/// Whether the head names an Origin, empty or not: every web page does, on its browser's insistence.
-bool hasOrigin(const QByteArray &head)
-{
-    // tolerant in what a line end and a name are, so that no other reader finds one that this does not
-    QByteArray lines = head;
-    const auto all = lines.replace('\r', '\n').split('\n');
-    return std::ranges::any_of(all, [](const QByteArray &line) {
-        const qsizetype colon = line.indexOf(':');
-        return colon >= 0 && line.first(colon).trimmed().compare("origin", Qt::CaseInsensitive) == 0;
-    });
-}
 
 } // namespace
 
@@ -34,7 +21,7 @@ DeckHandshake::DeckHandshake(qintptr descriptor, Answers answers, QObject *paren
     , m_socket(new QTcpSocket(this))
 {
     m_socket->setSocketDescriptor(descriptor);
-    m_socket->setReadBufferSize(longestHead + 1);
+    m_socket->setReadBufferSize(longestHandshakeHead + 1);
     m_limit.setSingleShot(true);
     connect(&m_limit, &QTimer::timeout, this, &DeckHandshake::abort);
     connect(m_socket, &QTcpSocket::readyRead, this, &DeckHandshake::read);
@@ -56,17 +43,18 @@ void DeckHandshake::read()
         m_socket->readAll();
         return;
     }
-    const QByteArray head = m_socket->peek(longestHead + 1);
-    const qsizetype end = head.indexOf("\r\n\r\n");
-    if (hasOrigin(head))
-        return refuse("403 Forbidden");
-    if (end < 0 && head.size() > longestHead)
-        return refuse("431 Request Header Fields Too Large");
-    if (end < 0)
+    switch (judgeHandshake(m_socket->peek(longestHandshakeHead + 1))) {
+    case HandshakeVerdict::Incomplete:
         return;
-    // a client waits for the answer before it sends anything (RFC 6455, 4.1)
-    if (end + 4 != head.size())
+    case HandshakeVerdict::HasOrigin:
+        return refuse("403 Forbidden");
+    case HandshakeVerdict::TooLong:
+        return refuse("431 Request Header Fields Too Large");
+    case HandshakeVerdict::Impatient:
         return refuse("400 Bad Request");
+    case HandshakeVerdict::Complete:
+        break;
+    }
     if (!m_answers.hasRoom())
         return refuse("503 Service Unavailable");
     m_isWaiting = false;

@@ -1,5 +1,6 @@
 #include "streamdeck/StreamDeckBridge.h"
 #include "base/Log.h"
+#include "streamdeck/DeckCommand.h"
 #include "streamdeck/DeckHandshake.h"
 #include "streamdeck/MaskGuard.h"
 #include "streamdeck/PeerOwner.h"
@@ -243,21 +244,17 @@ void StreamDeckBridge::handle(const Connection &connection, const QString &messa
     // what came before a stop() is not carried out after it
     if (message.isEmpty() || !connection.isOpen())
         return;
-    const auto document = QJsonDocument::fromJson(message.toUtf8());
-    const QJsonValue command = document.object().value("cmd"_L1);
-    if (!command.isString()) {
+    const auto command = readDeckCommand(message);
+    if (!command) {
         qCCritical(lcBridge) << "malformed message";
-        return;
-    }
-    const QString value = command.toString();
-    if (value == "state"_L1) {
+    } else if (command->asksForState()) {
         greet(connection);
-    } else if (const auto action = hotkeyActionFromRaw(value)) {
-        qCInfo(lcBridge).noquote() << "cmd:" << value;
+    } else if (command->action) {
+        qCInfo(lcBridge).noquote() << "cmd:" << command->name;
         if (onCommand)
-            onCommand(*action);
+            onCommand(*command->action);
     } else {
-        qCInfo(lcBridge).noquote() << "unknown cmd:" << errorForLog(value);
+        qCInfo(lcBridge).noquote() << "unknown cmd:" << errorForLog(command->name);
     }
 }
 
