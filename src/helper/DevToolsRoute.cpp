@@ -12,17 +12,9 @@ namespace kestrel {
 
 namespace {
 
-constexpr auto meetOrigin = "https://meet.google.com/"_L1;
-constexpr int noSuchSession = -32001;
 /// A script that does not let go of its page is stopped after this, in milliseconds; nobody waits for it
 /// then.
 constexpr int evaluationBound = 3500;
-constexpr int internalError = -32603; ///< what came of it
-
-bool isMeetPage(const QString &address, const QString &marker)
-{
-    return address.startsWith(meetOrigin) && address.contains(marker);
-}
 
 QString literal(const QString &text)
 {
@@ -84,32 +76,16 @@ QCoro::Task<DevToolsRoute::Result<QJsonObject>> DevToolsRoute::command(QString m
         message.insert("sessionId"_L1, session);
     const auto answer = co_await m_connection.ask(std::move(message));
     if (!answer)
-        co_return std::unexpected(Failure { answer.error() });
-    const QJsonValue error = answer->value("error"_L1);
-    if (!error.isObject())
-        co_return answer->value("result"_L1).toObject();
-    // Chromium numbers most of its errors alike and tells them apart by these texts
-    Failure failure { error["message"_L1].toString(u"The browser reported an error"_s) };
-    if (error["code"_L1].toInt() == internalError)
-        failure.text = u"script timed out"_s;
-    failure.isSessionGone = error["code"_L1].toInt() == noSuchSession;
-    failure.isWorldGone = failure.text.contains("Cannot find context"_L1);
-    failure.isTabGone = failure.text.contains("No target with given id"_L1)
-        || failure.text.contains("navigated or closed"_L1);
-    co_return std::unexpected(failure);
+        co_return std::unexpected(DevToolsFailure { answer.error() });
+    co_return devToolsResult(*answer);
 }
 
-QCoro::Task<DevToolsRoute::Result<QList<DevToolsRoute::Page>>> DevToolsRoute::pages()
+QCoro::Task<DevToolsRoute::Result<QList<DevToolsPage>>> DevToolsRoute::pages()
 {
     const auto targets = co_await command(u"Target.getTargets"_s, {});
     if (!targets)
         co_return std::unexpected(targets.error());
-    QList<Page> pages;
-    for (const QJsonValue target : targets->value("targetInfos"_L1).toArray()) {
-        if (target["type"_L1].toString() == "page"_L1)
-            pages.append({ target["targetId"_L1].toString(), target["url"_L1].toString() });
-    }
-    co_return pages;
+    co_return devToolsPages(*targets);
 }
 
 QCoro::Task<BrowserRoute::FoundTab> DevToolsRoute::find(QString marker)
@@ -117,8 +93,8 @@ QCoro::Task<BrowserRoute::FoundTab> DevToolsRoute::find(QString marker)
     const auto all = co_await pages();
     if (!all)
         co_return std::unexpected(all.error().text);
-    for (const Page &page : *all) {
-        if (isMeetPage(page.address, marker))
+    for (const DevToolsPage &page : *all) {
+        if (page.showsMeet(marker))
             co_return page.tab;
     }
     co_return std::nullopt;
@@ -130,7 +106,7 @@ QCoro::Task<std::expected<QStringList, QString>> DevToolsRoute::tabs()
     if (!all)
         co_return std::unexpected(all.error().text);
     QStringList tabs;
-    for (const Page &page : *all)
+    for (const DevToolsPage &page : *all)
         tabs.append(page.tab);
     co_return tabs;
 }
@@ -164,7 +140,7 @@ QCoro::Task<DevToolsRoute::Result<DevToolsRoute::Session>> DevToolsRoute::sessio
         co_return session;
     const auto tree = co_await command(u"Page.getFrameTree"_s, {}, session.id);
     if (!self || !tree)
-        co_return std::unexpected(tree ? Failure {} : tree.error());
+        co_return std::unexpected(tree ? DevToolsFailure {} : tree.error());
     const auto world = co_await command(
         u"Page.createIsolatedWorld"_s,
         { { u"frameId"_s, (*tree)["frameTree"_L1]["frame"_L1]["id"_L1] }, { u"worldName"_s, u"kestrel"_s } },
@@ -184,7 +160,7 @@ QCoro::Task<DevToolsRoute::Result<QJsonObject>> DevToolsRoute::evaluate(QString 
     for (bool isSecond = false;; isSecond = true) {
         const auto session = co_await sessionOf(tab, true);
         if (!self || (!session && (isSecond || !session.error().isSessionGone)))
-            co_return std::unexpected(session ? Failure {} : session.error());
+            co_return std::unexpected(session ? DevToolsFailure {} : session.error());
         if (session) {
             auto answer = co_await command(u"Runtime.evaluate"_s,
                                            { { u"expression"_s, expression },
@@ -223,18 +199,7 @@ QCoro::Task<BrowserRoute::RunAnswer> DevToolsRoute::run(QString tab, QString mar
         co_return Ran { true, {} };
     if (!answer)
         co_return std::unexpected(answer.error().text);
-    if (const QJsonValue fault = answer->value("exceptionDetails"_L1); fault.isObject()) {
-        // a syntax error, or an evaluation that was stopped
-        const QString text = fault["exception"_L1]["description"_L1].toString();
-        co_return std::unexpected(text.isEmpty() ? u"script timed out"_s : text.section(u'\n', 0, 0));
-    }
-    const QJsonValue told = (*answer)["result"_L1]["value"_L1];
-    if (told["gone"_L1].toBool())
-        co_return Ran { true, {} };
-    if (const QJsonValue error = told["error"_L1]; error.isString())
-        co_return std::unexpected(error.toString());
-    const QJsonValue result = told["result"_L1];
-    co_return result.isString() ? Ran { false, result.toString() } : Ran {};
+    co_return ranInPage(*answer);
 }
 
 QCoro::Task<DevToolsRoute::Result<QJsonObject>> DevToolsRoute::raise(QString tab)
@@ -266,7 +231,7 @@ QCoro::Task<BrowserRoute::CloseAnswer> DevToolsRoute::close(QString tab, QString
     if (!self || !all)
         co_return std::unexpected(all ? QString() : all.error().text);
     const bool isThere = std::ranges::any_of(
-        *all, [&](const Page &page) { return page.tab == tab && isMeetPage(page.address, marker); });
+        *all, [&](const DevToolsPage &page) { return page.tab == tab && page.showsMeet(marker); });
     if (!isThere)
         co_return false;
     const auto closed = co_await command(u"Target.closeTarget"_s, { { u"targetId"_s, tab } });

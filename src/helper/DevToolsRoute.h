@@ -1,5 +1,6 @@
 #pragma once
 #include "helper/BrowserRoute.h"
+#include "helper/DevToolsAnswers.h"
 #include <QHash>
 #include <QStringList>
 
@@ -25,30 +26,18 @@ public:
     [[nodiscard]] QCoro::Task<std::expected<void, QString>> resizeWindow(QString tab, QSize size);
 
 private:
-    struct Failure
-    {
-        QString text;
-        bool isSessionGone = false;
-        bool isWorldGone = false; ///< the page has left what it showed; nothing was run
-        bool isTabGone = false;
-    };
     template<typename T>
-    using Result = std::expected<T, Failure>;
+    using Result = DevToolsResult<T>;
     struct Session
     {
         QString id;
         int world = 0; ///< 0: none yet
     };
-    struct Page
-    {
-        QString tab;
-        QString address;
-    };
 
     /// `session` is empty for what the browser itself answers.
     [[nodiscard]] QCoro::Task<Result<QJsonObject>> command(QString method, QJsonObject parameters,
                                                            QString session = {});
-    [[nodiscard]] QCoro::Task<Result<QList<Page>>> pages();
+    [[nodiscard]] QCoro::Task<Result<QList<DevToolsPage>>> pages();
     [[nodiscard]] QCoro::Task<Result<QString>> attach(QString tab);
     [[nodiscard]] QCoro::Task<Result<Session>> sessionOf(QString tab, bool needsWorld);
     [[nodiscard]] QCoro::Task<Result<QJsonObject>> evaluate(QString tab, QString expression);

@@ -36,6 +36,17 @@ bool isOurUser(int descriptor)
 
 } // namespace
 
+std::optional<RelayGreeting> RelayGreeting::fromJson(const QJsonObject &message)
+{
+    const QString route = message.value("route"_L1).toString();
+    const bool isExtension = route == "extension"_L1;
+    if (message.value("relay"_L1).toInt() != protocolVersion || (!isExtension && route != "devtools"_L1))
+        return {};
+    return RelayGreeting { isExtension ? Route::Extension : Route::DevTools,
+                           message.value("browser"_L1).toString(),
+                           message.value("userDataDir"_L1).toString() };
+}
+
 std::expected<std::unique_ptr<RelayConnection>, int> RelayConnection::open(const QByteArray &path)
 {
     sockaddr_un address {};
@@ -98,9 +109,8 @@ Awaited<RelayConnection::Answer> RelayConnection::ask(QJsonObject message)
 
     m_questions[id].answer = answer;
     m_questions[id].age.start();
-    const auto length = static_cast<quint32>(frame.size());
-    m_output.append(reinterpret_cast<const char *>(&length), sizeof length);
-    m_output.append(frame);
+    m_output.append(
+        relay::framed({ frame.constData(), static_cast<std::size_t>(frame.size()) }, relay::Framing::Length));
     write();
     return answer;
 }
@@ -108,34 +118,20 @@ Awaited<RelayConnection::Answer> RelayConnection::ask(QJsonObject message)
 void RelayConnection::read()
 {
     static constexpr std::size_t chunk = 65536;
-    static std::array<char, chunk> buffer;
+    std::array<char, chunk> buffer;
     const ssize_t count = ::recv(m_descriptor, buffer.data(), buffer.size(), 0);
     if (count < 0 && (errno == EAGAIN || errno == EINTR))
         return;
     if (count <= 0)
         return end(false);
-    m_input.append(buffer.data(), static_cast<qsizetype>(count));
-    takeFrames();
-}
-
-void RelayConnection::takeFrames()
-{
-    qsizetype at = 0;
-    quint32 length = 0;
-    static constexpr qsizetype prefix = sizeof length;
-    while (m_descriptor >= 0 && m_input.size() - at >= prefix) {
-        std::memcpy(&length, m_input.constData() + at, sizeof length);
-        if (length > longestFrame)
-            return end(true);
-        if (m_input.size() - at - prefix < static_cast<qsizetype>(length))
-            break;
-        const QByteArray frame = m_input.mid(at + prefix, length);
-        at += prefix + static_cast<qsizetype>(length);
-        take(frame);
-    }
-    m_input.remove(0, std::min(at, m_input.size()));
-    if (m_input.isEmpty())
-        m_input = QByteArray(); // after a long frame its memory goes back
+    const bool isSound =
+        m_input.feed({ buffer.data(), static_cast<std::size_t>(count) }, [this](std::string_view frame) {
+            // what stands behind a frame that was one too many says nothing
+            if (m_descriptor >= 0)
+                take(QByteArray(frame.data(), static_cast<qsizetype>(frame.size())));
+        });
+    if (!isSound)
+        end(true);
 }
 
 void RelayConnection::take(const QByteArray &frame)
@@ -145,7 +141,8 @@ void RelayConnection::take(const QByteArray &frame)
         return end(true);
     const QJsonObject message = document.object();
     if (!m_greeting) {
-        if (!takeGreeting(message))
+        m_greeting = RelayGreeting::fromJson(message);
+        if (!m_greeting)
             return end(true);
         Q_EMIT introduced();
         m_greetingBound.stop();
@@ -163,18 +160,6 @@ void RelayConnection::take(const QByteArray &frame)
         m_questions.erase(question);
         answer.settle(message);
     }
-}
-
-bool RelayConnection::takeGreeting(const QJsonObject &message)
-{
-    const QString route = message.value("route"_L1).toString();
-    const bool isExtension = route == "extension"_L1;
-    if (message.value("relay"_L1).toInt() != protocolVersion || (!isExtension && route != "devtools"_L1))
-        return false;
-    m_greeting =
-        RelayGreeting { isExtension ? RelayGreeting::Route::Extension : RelayGreeting::Route::DevTools,
-                        message.value("browser"_L1).toString(), message.value("userDataDir"_L1).toString() };
-    return true;
 }
 
 void RelayConnection::write()
@@ -215,7 +200,6 @@ void RelayConnection::end(bool isUnfit)
     m_readable.setEnabled(false);
     m_writable.setEnabled(false);
     ::close(std::exchange(m_descriptor, -1));
-    m_input.clear();
     m_output.clear();
     if (isUnfit)
         qCWarning(lcApp) << "a browser relay does not keep to the protocol";

@@ -1,5 +1,6 @@
 #pragma once
 #include "base/Awaited.h"
+#include "helper/relay/Frames.h"
 #include <QByteArray>
 #include <QElapsedTimer>
 #include <QHash>
@@ -19,6 +20,9 @@ struct RelayGreeting
     Route route = Route::Extension;
     QString browser; ///< its program file
     QString userDataDir; ///< may be empty
+
+    /// Nothing when the relay speaks another protocol.
+    [[nodiscard]] static std::optional<RelayGreeting> fromJson(const QJsonObject &message);
 };
 
 /// One relay's socket (docs/browser-protocol.md): frames there and back, answers brought to their questions.
@@ -31,7 +35,7 @@ public:
     /// The answer to a question, or a text that says why there is none.
     using Answer = std::expected<QJsonObject, QString>;
 
-    static constexpr qsizetype longestFrame = 1'000'000;
+    static constexpr qsizetype longestFrame = relay::largestMessage;
 
     /// The error is a number of errno.
     [[nodiscard]] static std::expected<std::unique_ptr<RelayConnection>, int> open(const QByteArray &path);
@@ -66,9 +70,7 @@ private:
     explicit RelayConnection(int descriptor);
 
     void read();
-    void takeFrames();
     void take(const QByteArray &frame);
-    [[nodiscard]] bool takeGreeting(const QJsonObject &message);
     void write();
     void forgetOldQuestions();
     void end(bool isUnfit);
@@ -77,7 +79,7 @@ private:
     QSocketNotifier m_readable;
     QSocketNotifier m_writable;
     QTimer m_greetingBound;
-    QByteArray m_input;
+    relay::FrameReader m_input { relay::Framing::Length, relay::FrameReader::Excess::Refuse };
     QByteArray m_output;
     Awaited<bool> m_greeted;
     std::optional<RelayGreeting> m_greeting;
