@@ -10,6 +10,13 @@
 
 namespace kestrel {
 
+/// What a browser says of an error; it may say nothing.
+[[nodiscard]] inline QString browserErrorText(const QJsonValue &said)
+{
+    const QString text = said.toString();
+    return text.isEmpty() ? QStringLiteral("The browser reported an error") : text;
+}
+
 /// A way into one profile of a running browser. A tab is named by a text that only its route reads. Errors
 /// are texts. Nothing here is bounded in time: a page may never answer. Lives as long as its relay's
 /// connection and is destroyed from the event loop only.

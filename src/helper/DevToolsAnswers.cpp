@@ -23,7 +23,7 @@ DevToolsResult<QJsonObject> devToolsResult(const QJsonObject &answer)
     if (!error.isObject())
         return answer.value("result"_L1).toObject();
     // Chromium numbers most of its errors alike and tells them apart by these texts
-    DevToolsFailure failure { error["message"_L1].toString(u"The browser reported an error"_s) };
+    DevToolsFailure failure { browserErrorText(error["message"_L1]) };
     if (error["code"_L1].toInt() == internalError)
         failure.text = u"script timed out"_s;
     failure.isSessionGone = error["code"_L1].toInt() == noSuchSession;
@@ -49,13 +49,14 @@ BrowserRoute::RunAnswer ranInPage(const QJsonObject &evaluated)
     if (const QJsonValue fault = evaluated.value("exceptionDetails"_L1); fault.isObject()) {
         // a syntax error, or an evaluation that was stopped
         const QString text = fault["exception"_L1]["description"_L1].toString();
-        return std::unexpected(text.isEmpty() ? u"script timed out"_s : text.section(u'\n', 0, 0));
+        return std::unexpected(text.isEmpty() ? u"script timed out"_s
+                                              : browserErrorText(text.trimmed().section(u'\n', 0, 0)));
     }
     const QJsonValue told = evaluated["result"_L1]["value"_L1];
     if (told["gone"_L1].toBool())
         return Ran { true, {} };
     if (const QJsonValue error = told["error"_L1]; error.isString())
-        return std::unexpected(error.toString());
+        return std::unexpected(browserErrorText(error));
     const QJsonValue result = told["result"_L1];
     return result.isString() ? Ran { false, result.toString() } : Ran {};
 }

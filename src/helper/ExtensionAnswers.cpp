@@ -10,7 +10,7 @@ namespace {
 std::expected<QJsonObject, QString> checked(const RelayConnection::Answer &answer)
 {
     if (answer && answer->contains("error"_L1))
-        return std::unexpected(answer->value("error"_L1).toString(u"The browser reported an error"_s));
+        return std::unexpected(browserErrorText(answer->value("error"_L1)));
     return answer;
 }
 
@@ -29,9 +29,11 @@ BrowserRoute::FoundTab foundByExtension(const RelayConnection::Answer &answer)
     const QJsonValue tab = told->value("tab"_L1);
     if (tab.isNull())
         return std::nullopt;
-    if (!tab.isDouble())
+    // toInteger() gives its argument back for anything that is no whole number of 64 bits
+    const qint64 number = tab.toInteger(0);
+    if (number != tab.toInteger(1))
         return std::unexpected(unknownAnswer());
-    return QString::number(tab.toInteger());
+    return QString::number(number);
 }
 
 BrowserRoute::RunAnswer ranByExtension(const RelayConnection::Answer &answer)
