@@ -1,19 +1,13 @@
 // Decodes any bytes as an events list and maps what comes out; holds the meetings against what their fields
 // promise.
+#include "Require.h"
 #include "google/CalendarDecoder.h"
 #include "google/GoogleEventMapper.h"
 #include <QTextBoundaryFinder>
-#include <cstdlib>
 
 using namespace kestrel;
 
 namespace {
-
-void require(bool promise)
-{
-    if (!promise)
-        std::abort();
-}
 
 bool isAtMost(const QString &text, int limit)
 {
