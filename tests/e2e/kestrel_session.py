@@ -4,6 +4,7 @@ import contextlib
 import json
 import os
 import pathlib
+import shutil
 import signal
 import subprocess
 import tempfile
@@ -88,6 +89,9 @@ class Kestrel:
     def close(self):
         self.stop()
         self.log.close()
+        # a browser that Kestrel started may be writing its last files
+        wait_until(lambda: shutil.rmtree(self.folder.name, ignore_errors=True) or not os.path.exists(self.folder.name),
+                   "the data folder removed")
         self.folder.cleanup()
 
     def verb(self, *arguments, timeout=60):
