@@ -148,7 +148,7 @@ QString meetingsText(const QList<Meeting> &meetings)
         for (const auto field : fields)
             text += u"  "_s + QString(field).leftJustified(22) + u' ' + fieldText(object[field]) + u'\n';
         const QJsonArray attendees = object["attendees"_L1].toArray();
-        for (const QJsonValue &attendee : attendees)
+        for (const QJsonValue attendee : attendees)
             text +=
                 u"  "_s + u"attendee"_s.leftJustified(22) + u' ' + attendeeText(attendee.toObject()) + u'\n';
         text += u'\n';
