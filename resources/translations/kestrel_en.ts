@@ -39,6 +39,46 @@
         <source>brand.tagline</source>
         <translation>Never late for a meeting</translation>
     </message>
+    <message id="color.blue">
+        <source>color.blue</source>
+        <translation>Blue</translation>
+    </message>
+    <message id="color.brown">
+        <source>color.brown</source>
+        <translation>Brown</translation>
+    </message>
+    <message id="color.green">
+        <source>color.green</source>
+        <translation>Green</translation>
+    </message>
+    <message id="color.grey">
+        <source>color.grey</source>
+        <translation>Grey</translation>
+    </message>
+    <message id="color.orange">
+        <source>color.orange</source>
+        <translation>Orange</translation>
+    </message>
+    <message id="color.pink">
+        <source>color.pink</source>
+        <translation>Pink</translation>
+    </message>
+    <message id="color.red">
+        <source>color.red</source>
+        <translation>Red</translation>
+    </message>
+    <message id="color.turquoise">
+        <source>color.turquoise</source>
+        <translation>Turquoise</translation>
+    </message>
+    <message id="color.violet">
+        <source>color.violet</source>
+        <translation>Violet</translation>
+    </message>
+    <message id="color.yellow">
+        <source>color.yellow</source>
+        <translation>Yellow</translation>
+    </message>
     <message id="countdown.ago_x">
         <source>countdown.ago_x</source>
         <translation>%1 ago</translation>
@@ -132,6 +172,13 @@ Afterwards, “kestrel browser status” in a terminal says whether everything i
     <message id="meet_hud.sharing">
         <source>meet_hud.sharing</source>
         <translation>Sharing the screen</translation>
+    </message>
+    <message id="meeting.invited %n" numerus="yes">
+        <source>meeting.invited %n</source>
+        <translation>
+            <numerusform>%n person invited</numerusform>
+            <numerusform>%n people invited</numerusform>
+        </translation>
     </message>
     <message id="meeting.open_in_calendar">
         <source>meeting.open_in_calendar</source>

@@ -39,6 +39,46 @@
         <source>brand.tagline</source>
         <translation>Puntual en cada reunión</translation>
     </message>
+    <message id="color.blue">
+        <source>color.blue</source>
+        <translation>Azul</translation>
+    </message>
+    <message id="color.brown">
+        <source>color.brown</source>
+        <translation>Marrón</translation>
+    </message>
+    <message id="color.green">
+        <source>color.green</source>
+        <translation>Verde</translation>
+    </message>
+    <message id="color.grey">
+        <source>color.grey</source>
+        <translation>Gris</translation>
+    </message>
+    <message id="color.orange">
+        <source>color.orange</source>
+        <translation>Naranja</translation>
+    </message>
+    <message id="color.pink">
+        <source>color.pink</source>
+        <translation>Rosa</translation>
+    </message>
+    <message id="color.red">
+        <source>color.red</source>
+        <translation>Rojo</translation>
+    </message>
+    <message id="color.turquoise">
+        <source>color.turquoise</source>
+        <translation>Turquesa</translation>
+    </message>
+    <message id="color.violet">
+        <source>color.violet</source>
+        <translation>Violeta</translation>
+    </message>
+    <message id="color.yellow">
+        <source>color.yellow</source>
+        <translation>Amarillo</translation>
+    </message>
     <message id="countdown.ago_x">
         <source>countdown.ago_x</source>
         <translation>Hace %1</translation>
@@ -132,6 +172,13 @@ Después, «kestrel browser status» en un terminal te dirá si todo está listo
     <message id="meet_hud.sharing">
         <source>meet_hud.sharing</source>
         <translation>Compartiendo la pantalla</translation>
+    </message>
+    <message id="meeting.invited %n" numerus="yes">
+        <source>meeting.invited %n</source>
+        <translation>
+            <numerusform>%n persona invitada</numerusform>
+            <numerusform>%n personas invitadas</numerusform>
+        </translation>
     </message>
     <message id="meeting.open_in_calendar">
         <source>meeting.open_in_calendar</source>

@@ -9,6 +9,8 @@ Flow {
     required property MeetingItem item
 
     spacing: Metrics.space2
+    Accessible.role: Accessible.StaticText
+    Accessible.name: item.details + ", " + item.platformName
 
     component Words: PlainLabel {
         size: Metrics.textSmall

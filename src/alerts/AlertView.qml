@@ -15,8 +15,9 @@ Item {
 
     implicitWidth: body.width + Metrics.space7 * 2
     implicitHeight: body.height + 18 + 38
-    Accessible.role: Accessible.AlertMessage
+    Accessible.role: Accessible.Notification
     Accessible.name: item.title
+    Accessible.description: item.details
 
     Shortcut {
         sequences: [StandardKey.Cancel]

@@ -21,6 +21,8 @@ Column {
     PlainLabel {
         width: parent.width
         text: qsTrId("onboarding.intro")
+        Accessible.role: Accessible.StaticText
+        Accessible.name: text
         size: Metrics.textSmall
         color: Theme.secondaryText
         wrapMode: Text.Wrap
@@ -62,6 +64,8 @@ Column {
         visible: root.model.isSigningIn && Theme.motionAllowed
         running: visible
         scale: 0.7
+        Accessible.role: Accessible.Animation
+        Accessible.name: qsTrId("settings.accounts.signing_in")
     }
 
     Symbol {
@@ -69,6 +73,8 @@ Column {
         visible: root.model.isSigningIn && !Theme.motionAllowed
         name: "hourglass"
         size: 20
+        Accessible.role: Accessible.Animation
+        Accessible.name: qsTrId("settings.accounts.signing_in")
         color: Theme.secondaryText
     }
 
@@ -81,11 +87,14 @@ Column {
         wrapMode: Text.Wrap
         horizontalAlignment: Text.AlignHCenter
         Accessible.role: Accessible.AlertMessage
+        Accessible.name: text
     }
 
     PlainLabel {
         width: parent.width
         text: qsTrId("onboarding.privacy_blurb")
+        Accessible.role: Accessible.StaticText
+        Accessible.name: text
         size: Metrics.textSmall
         color: Theme.tertiaryText
         wrapMode: Text.Wrap

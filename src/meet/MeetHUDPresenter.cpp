@@ -5,6 +5,7 @@
 #include "ui/QuickScene.h"
 #include "ui/RoundedRegion.h"
 #include "ui/Theme.h"
+#include <QAccessible>
 #include <QQuickItem>
 
 using namespace Qt::StringLiterals;
@@ -51,8 +52,14 @@ void MeetHUDPresenter::show(const QString &symbol, const QString &emoji)
     m_symbol = symbol;
     m_emoji = symbol.isEmpty() ? emoji : QString();
     Q_EMIT contentChanged();
-    if (!m_view && !makeView())
-        return;
+    if (!m_view) {
+        if (!makeView())
+            return;
+    } else if (QAccessible::isActive()) {
+        // by itself Qt has a screen reader say what is shown for the first time alone
+        QAccessibleEvent shownAgain(m_view->rootObject(), QAccessible::ObjectShow);
+        QAccessible::updateAccessibility(&shownAgain);
+    }
     m_view->setTitle(text());
     const QSize size = m_view->rootObject()->size().toSize();
     m_view->setPosition(frame->x() + (frame->width() - size.width()) / 2,

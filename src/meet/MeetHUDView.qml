@@ -12,7 +12,7 @@ Item {
     implicitHeight: 180
     implicitWidth: 180
     opacity: hud.opacity
-    Accessible.role: Accessible.AlertMessage
+    Accessible.role: Accessible.Notification
     Accessible.name: hud.text
 
     SmoothRectangle {

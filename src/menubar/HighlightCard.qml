@@ -22,6 +22,7 @@ GlassCard {
 
     Accessible.role: Accessible.ListItem
     Accessible.name: item.summary
+    Accessible.description: item.details
     Accessible.focusable: true
     Accessible.onPressAction: root.item.joinOrOpen()
     Keys.onReturnPressed: root.item.joinOrOpen()

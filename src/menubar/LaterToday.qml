@@ -24,6 +24,8 @@ Column {
         PlainLabel {
             anchors.verticalCenter: parent.verticalCenter
             text: qsTrId("popover.empty")
+            Accessible.role: Accessible.StaticText
+            Accessible.name: text
             rounded: true
             weight: Font.Medium
         }

@@ -121,6 +121,16 @@ QString MeetingItem::summary() const
     return title() + u", "_s + startText() + u", "_s + platformName();
 }
 
+QString MeetingItem::details() const
+{
+    QStringList parts { startText() + u" – "_s + endText(), durationText() };
+    if (!location().isEmpty())
+        parts.append(location());
+    if (!m_meeting.attendees.isEmpty())
+        parts.append(qtTrId("meeting.invited %n", static_cast<int>(m_meeting.attendees.size())));
+    return parts.join(u", "_s);
+}
+
 bool MeetingItem::canOpenInCalendar() const
 {
     return m_meeting.canonicalURL.has_value();

@@ -32,6 +32,7 @@ class MeetingItem final : public QObject
     Q_PROPERTY(bool canJoin READ canJoin NOTIFY changed)
     Q_PROPERTY(QString joinText READ joinText NOTIFY changed)
     Q_PROPERTY(QString summary READ summary NOTIFY changed)
+    Q_PROPERTY(QString details READ details NOTIFY changed)
     Q_PROPERTY(bool canOpenInCalendar READ canOpenInCalendar NOTIFY changed)
     Q_PROPERTY(kestrel::Countdown *countdown READ countdown CONSTANT)
 public:
@@ -62,6 +63,8 @@ public:
     [[nodiscard]] QString joinText() const;
     /// What a screen reader says of it: title, time, platform.
     [[nodiscard]] QString summary() const;
+    /// What it says after that: from when to when, how long, where, how many are invited.
+    [[nodiscard]] QString details() const;
     [[nodiscard]] bool canOpenInCalendar() const;
     [[nodiscard]] Countdown *countdown() { return &m_countdown; }
 

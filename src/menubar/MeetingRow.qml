@@ -12,6 +12,7 @@ Pressable {
     readonly property color platformTint: item.hasTint ? item.tint : Theme.accent
 
     accessibleName: item.summary
+    Accessible.description: item.details
     Accessible.role: Accessible.ListItem
     leftPadding: Metrics.space3
     rightPadding: Metrics.space3

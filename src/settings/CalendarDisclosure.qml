@@ -17,9 +17,10 @@ Column {
     Pressable {
         id: line
 
-        Accessible.checkable: true
-        Accessible.checked: root.item.calendarsExpanded
+        Accessible.role: Accessible.CheckBox
         accessibleName: root.item.calendarsTitle
+        checkable: true
+        checked: root.item.calendarsExpanded
         height: 43
         leftPadding: Metrics.space4
         width: parent.width
@@ -52,7 +53,14 @@ Column {
             }
         }
 
-        onClicked: root.item.calendarsExpanded = !root.item.calendarsExpanded
+        function flip() {
+            root.item.calendarsExpanded = !root.item.calendarsExpanded;
+            checked = Qt.binding(() => root.item.calendarsExpanded);
+        }
+
+        Accessible.onPressAction: flip()
+        Accessible.onToggleAction: flip()
+        onClicked: flip()
     }
     Loader {
         // without its item it keeps the height of the one it had

@@ -26,6 +26,7 @@ T.ComboBox {
 
     readonly property real widest: Math.ceil(Math.max(...root.labels.map(label => letters.advanceWidth(label))))
 
+    Accessible.onPressAction: root.popup.open()
     onActivated: index => root.chosen(index)
     // a new list makes the template choose its first entry
     onModelChanged: currentIndex = Qt.binding(() => root.chosenIndex)
@@ -64,7 +65,10 @@ T.ComboBox {
         required property int index
         required property string modelData
 
+        Accessible.focusable: true
         Accessible.name: modelData
+        Accessible.selectable: true
+        Accessible.selected: highlighted
         highlighted: root.highlightedIndex === index
         hoverEnabled: true
         implicitHeight: 32
@@ -100,5 +104,8 @@ T.ComboBox {
             implicitHeight: contentHeight
             model: root.popup.visible ? root.delegateModel : null
         }
+
+        // the popup itself can be given no name
+        onOpened: contentItem.parent.Accessible.name = root.accessibleName
     }
 }

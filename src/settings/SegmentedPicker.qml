@@ -41,17 +41,15 @@ SmoothRectangle {
 
             model: root.labels.length
 
-            delegate: T.AbstractButton {
+            delegate: T.RadioButton {
                 id: segment
 
                 required property int index
                 readonly property bool isChosen: index === root.currentIndex
                 readonly property string symbol: root.symbols[index] ?? ""
 
-                Accessible.checkable: true
-                Accessible.checked: isChosen
                 Accessible.name: root.accessibleName + ": " + text
-                Accessible.role: Accessible.RadioButton
+                checked: isChosen
                 // as long as it has the focus it must not lose its place in the chain
                 focusPolicy: isChosen || activeFocus || root.currentIndex < 0 && index === 0 ? Qt.StrongFocus
                                                                                              : Qt.ClickFocus
@@ -102,6 +100,7 @@ SmoothRectangle {
                 Keys.onReturnPressed: root.choose(index)
                 Keys.onRightPressed: root.choose(index + 1)
                 onClicked: root.choose(index)
+                onToggled: checked = Qt.binding(() => isChosen)
 
                 FocusRing {
                     shown: segment.visualFocus

@@ -9,7 +9,7 @@ Rectangle {
     required property SettingsModel settings
 
     Accessible.name: Window.window?.title ?? ""
-    Accessible.role: Accessible.Window
+    Accessible.role: Accessible.Pane
     color: Theme.surface
     implicitHeight: strip.height + 1 + column.height + 2 * Metrics.space4
     implicitWidth: Math.max(600, strip.implicitWidth)

@@ -20,15 +20,13 @@ Item {
         choice.forceActiveFocus(Qt.TabFocusReason);
     }
 
-    T.AbstractButton {
+    T.RadioButton {
         id: choice
 
-        Accessible.checkable: true
-        Accessible.checked: root.isSelected
         Accessible.name: root.sound
-        Accessible.role: Accessible.RadioButton
         anchors.fill: parent
         anchors.margins: 2
+        checked: root.isSelected
         // as long as it has the focus it must not lose its place in the chain
         focusPolicy: root.isSelected || activeFocus ? Qt.StrongFocus : Qt.ClickFocus
         hoverEnabled: true
@@ -63,6 +61,7 @@ Item {
         Keys.onReturnPressed: root.selected()
         Keys.onUpPressed: root.stepped(-1)
         onClicked: root.selected()
+        onToggled: checked = Qt.binding(() => root.isSelected)
 
         FocusRing {
             around: Metrics.radiusControl

@@ -17,8 +17,19 @@ T.SpinBox {
     implicitWidth: implicitContentWidth + rightPadding
     rightPadding: 2 * 30 + Metrics.space3
 
+    // the template's own changes the value without saying that a person did
+    Accessible.onDecreaseAction: root.step(-1)
+    Accessible.onIncreaseAction: root.step(1)
     // the template makes a place for the keyboard of it, for boxes that are typed into
     Component.onCompleted: contentItem.activeFocusOnTab = false
+
+    function step(by: int) {
+        if (by > 0)
+            root.increase();
+        else
+            root.decrease();
+        root.valueModified();
+    }
 
     component Half: Item {
         id: half

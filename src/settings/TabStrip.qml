@@ -43,16 +43,17 @@ Item {
 
             model: root.titles.length
 
-            delegate: T.AbstractButton {
+            delegate: T.TabButton {
                 id: tab
 
                 required property int index
                 readonly property bool isChosen: index === root.currentIndex
 
                 Accessible.name: text
-                Accessible.role: Accessible.PageTab
                 Accessible.selectable: true
                 Accessible.selected: isChosen
+                // which one is chosen is not its own to say
+                checkable: false
                 // as long as it has the focus it must not lose its place in the chain
                 focusPolicy: isChosen || activeFocus ? Qt.StrongFocus : Qt.ClickFocus
                 height: 52

@@ -3,7 +3,7 @@ import QtQuick.Templates as T
 import Kestrel.Ui
 
 /// On or off. Asks for the other of the two and then shows what came of that.
-T.Switch {
+T.AbstractButton {
     id: root
 
     required property string accessibleName
@@ -12,11 +12,10 @@ T.Switch {
 
     signal switched(on: bool)
 
-    Accessible.checkable: true
-    Accessible.checked: root.checked
     Accessible.description: root.help
     Accessible.name: root.accessibleName
     Accessible.role: Accessible.CheckBox
+    checkable: true
     checked: isOn
     focusPolicy: Qt.StrongFocus
     implicitHeight: 20

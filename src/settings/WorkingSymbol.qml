@@ -9,7 +9,7 @@ Symbol {
 
     Accessible.ignored: false
     Accessible.name: root.accessibleName
-    Accessible.role: Accessible.Indicator
+    Accessible.role: Accessible.Animation
     color: Theme.secondaryText
     name: Theme.motionAllowed ? "arrow.clockwise" : "hourglass"
     size: Metrics.textSubtitle

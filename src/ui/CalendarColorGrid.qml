@@ -14,6 +14,10 @@ Column {
     spacing: Metrics.space2
     width: 220
 
+    function goTo(index: int) {
+        swatches.itemAt(index)?.forceActiveFocus(Qt.TabFocusReason);
+    }
+
     Grid {
         anchors.horizontalCenter: parent.horizontalCenter
         columnSpacing: 6
@@ -21,14 +25,19 @@ Column {
         rowSpacing: 6
 
         Repeater {
+            id: swatches
+
             model: Colors.calendarPalette
 
             delegate: Pressable {
                 id: swatch
 
+                required property int index
                 required property string modelData
 
-                accessibleName: modelData
+                Accessible.selectable: true
+                Accessible.selected: modelData === root.chosenHex
+                accessibleName: Colors.name(modelData)
                 height: 22
                 radius: 11
                 width: 22
@@ -40,6 +49,10 @@ Column {
                     radius: 11
                 }
 
+                Keys.onDownPressed: root.goTo(index + 8)
+                Keys.onLeftPressed: root.goTo(index - 1)
+                Keys.onRightPressed: root.goTo(index + 1)
+                Keys.onUpPressed: root.goTo(index - 8)
                 onClicked: root.picked(modelData)
             }
         }

@@ -68,5 +68,7 @@ Pressable {
         }
 
         onClosed: root.isOpen = false
+        // the popup itself can be given no name
+        onOpened: contentItem.parent.Accessible.name = root.accessibleName
     }
 }

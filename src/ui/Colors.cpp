@@ -1,4 +1,6 @@
 #include "ui/Colors.h"
+#include <QCoreApplication>
+#include <QLocale>
 #include <cmath>
 
 using namespace Qt::StringLiterals;
@@ -10,6 +12,29 @@ namespace {
 constexpr double glassOpacity = 0.86;
 constexpr double glassTint = 0.18;
 constexpr double darkestStripe = 0.3;
+
+/// By the circle of hues; muted ones have names of their own.
+QString colorWord(const QColor &color)
+{
+    const int hue = color.hsvHue();
+    if (color.hsvSaturation() < 60)
+        return qtTrId("color.grey");
+    if (hue < 45 && color.hsvSaturation() < 110)
+        return qtTrId("color.brown");
+    if (hue < 10 || hue >= 345)
+        return qtTrId("color.red");
+    if (hue < 40)
+        return qtTrId("color.orange");
+    if (hue < 62)
+        return qtTrId("color.yellow");
+    if (hue < 165)
+        return qtTrId("color.green");
+    if (hue < 190)
+        return qtTrId("color.turquoise");
+    if (hue < 236)
+        return qtTrId("color.blue");
+    return hue < 295 ? qtTrId("color.violet") : qtTrId("color.pink");
+}
 
 } // namespace
 
@@ -58,6 +83,18 @@ QColor mixed(const QColor &base, const QColor &tint, double share)
     };
     return QColor::fromRgbF(part(base.redF(), tint.redF()), part(base.greenF(), tint.greenF()),
                             part(base.blueF(), tint.blueF()), base.alphaF());
+}
+
+QString Colors::name(const QString &hex) const
+{
+    const QString word = colorWord(hex);
+    int number = 0;
+    for (const QString &other : calendarPalette()) {
+        number += colorWord(other) == word ? 1 : 0;
+        if (other == hex)
+            break;
+    }
+    return word + u' ' + QLocale().toString(number);
 }
 
 QColor Colors::stripe(const QString &hex, const QColor &fallback) const

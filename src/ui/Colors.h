@@ -30,6 +30,8 @@ public:
     using QObject::QObject;
 
     [[nodiscard]] QStringList palette() const { return calendarPalette(); }
+    /// What a screen reader says of a colour of the palette: "Orange 2", the second of them there.
+    [[nodiscard]] Q_INVOKABLE QString name(const QString &hex) const;
     /// An empty text is no calendar colour.
     [[nodiscard]] Q_INVOKABLE QColor stripe(const QString &hex, const QColor &fallback) const;
     /// The first of the two that is a colour, else `fallback`.

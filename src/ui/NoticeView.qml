@@ -77,6 +77,8 @@ Item {
                             width: parent.width
                             text: root.notice.text
                             color: Theme.secondaryText
+                            Accessible.role: Accessible.StaticText
+                            Accessible.name: text
                             lineHeight: 1.15
                             wrapMode: Text.Wrap
                         }

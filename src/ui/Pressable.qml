@@ -18,7 +18,9 @@ T.AbstractButton {
     readonly property bool isExplained: toolTip !== "" && (hovered || visualFocus)
 
     Accessible.name: root.accessibleName
-    Accessible.description: root.toolTip === root.accessibleName ? "" : root.toolTip
+    Accessible.description: root.accessibleName.includes(root.toolTip) ? "" : root.toolTip
+    // Qt 6.4 does not say of a button that it is disabled, and lets a screen reader press it
+    Accessible.ignored: !root.enabled
     Accessible.role: Accessible.Button
     focusPolicy: Qt.StrongFocus
     hoverEnabled: true
