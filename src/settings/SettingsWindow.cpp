@@ -3,7 +3,6 @@
 #include "ui/QuickScene.h"
 #include "ui/Symbols.h"
 #include <QCoreApplication>
-#include <QIcon>
 #include <QPainter>
 #include <QPixmap>
 #include <QQmlEngine>
@@ -98,7 +97,9 @@ bool SettingsWindow::makeView()
         return false;
     m_view->setFlags(Qt::Window);
     m_view->setTitle(qtTrId("settings.window.title"));
-    m_view->setIcon(applicationIcon());
+    if (m_icon.isNull())
+        m_icon = applicationIcon();
+    m_view->setIcon(m_icon);
     m_view->setResizeMode(QQuickView::SizeRootObjectToView);
     QQuickItem *root = m_view->rootObject();
     connect(root, &QQuickItem::implicitHeightChanged, this, &SettingsWindow::fit);

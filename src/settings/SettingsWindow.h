@@ -1,5 +1,6 @@
 #pragma once
 #include "settings/SettingsModel.h"
+#include <QIcon>
 #include <QObject>
 #include <memory>
 #include <optional>
@@ -40,6 +41,7 @@ private:
     Screens &m_screens;
     SettingsModel &m_model;
     std::unique_ptr<QQuickView> m_view;
+    QIcon m_icon; ///< one for all windows, since Qt caches the pixmaps of every icon
 };
 
 } // namespace kestrel
