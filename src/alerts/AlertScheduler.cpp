@@ -135,9 +135,9 @@ std::optional<AlertScheduler::Fire> AlertScheduler::earliestFire(const Groups &g
         chosen = &group;
         isPrimary = primary;
     };
-    const auto hasNewOne = [](const QList<const Meeting *> &group, const QSet<QString> &known) {
-        return std::ranges::any_of(group,
-                                   [&](const Meeting *meeting) { return !known.contains(meeting->id); });
+    const auto hasNewOne = [](const QList<const Meeting *> &group, const QSet<std::size_t> &known) {
+        return std::ranges::any_of(
+            group, [&](const Meeting *meeting) { return !known.contains(Alerted::key(meeting->id)); });
     };
 
     const bool alertsTwice = m_preferences.secondaryAlertOneMinute();
