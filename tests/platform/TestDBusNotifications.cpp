@@ -36,7 +36,8 @@ public:
             notified << message;
             connection.send(message.createReply(number));
         } else if (message.member() == "GetServerInformation"_L1) {
-            connection.send(message.createReply(QVariantList { u"mako"_s, u"emersion"_s, u"1.7"_s, u"1.2"_s }));
+            connection.send(
+                message.createReply(QVariantList { u"mako"_s, u"emersion"_s, u"1.7"_s, u"1.2"_s }));
         } else if (message.member() == "GetCapabilities"_L1) {
             connection.send(message.createReply(QVariant(QStringList { u"body"_s, u"actions"_s })));
         } else {
