@@ -168,8 +168,11 @@ void Application::makeDelegate()
     m_verbs = std::make_unique<Verbs>(environment.registry(), environment.google(),
                                       missingClientMessage(m_place.clientFile, m_client));
     m_verbs->setDelegate(m_delegate.get());
-    QObject::connect(m_delegate.get(), &AppDelegate::statusChanged, m_instance.get(),
-                     &SessionInstance::announceChange);
+    // a signal that nobody listens to wakes the bus all the same
+    QObject::connect(m_delegate.get(), &AppDelegate::statusChanged, m_instance.get(), [this] {
+        if (m_verbs && m_verbs->isFollowed())
+            m_instance->announceChange();
+    });
     m_instance->announceChange(); // whoever asked while we were starting asks again
 }
 

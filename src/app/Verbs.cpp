@@ -98,8 +98,10 @@ QCoro::Task<VerbResult> Verbs::run(QStringList arguments)
         co_return done(u"Kestrel is running already. Show its agenda with: kestrel show\n"_s);
     if (line->verb == "agenda"_L1)
         co_return agenda(line->json);
-    if (line->verb == "status"_L1)
+    if (line->verb == "status"_L1) {
+        m_isFollowed = m_isFollowed || line->follow;
         co_return status(*line);
+    }
     if (line->verb == "refresh"_L1)
         co_return co_await refresh();
     if (line->verb == "join"_L1)

@@ -23,6 +23,9 @@ public:
     /// From now on the verbs that ask the running Kestrel work too.
     void setDelegate(AppDelegate *delegate);
 
+    /// Somebody asked for the status in order to follow it: from then on changes are worth announcing.
+    [[nodiscard]] bool isFollowed() const { return m_isFollowed; }
+
     /// `arguments` as CommandLine::forHandOver() makes them; whatever else comes over the bus ends as a usage
     /// error.
     [[nodiscard]] QCoro::Task<VerbResult> run(QStringList arguments);
@@ -50,6 +53,7 @@ private:
     GoogleProvider &m_google;
     QString m_missingClient;
     AppDelegate *m_delegate = nullptr;
+    bool m_isFollowed = false;
     AppEnvironment *m_environment = nullptr; ///< the delegate's
 };
 
