@@ -57,6 +57,11 @@ QString attendeeText(const QJsonObject &attendee)
 
 } // namespace
 
+QString countOf(qsizetype count, QLatin1StringView one, QLatin1StringView many)
+{
+    return QString::number(count) + u' ' + (count == 1 ? one : many);
+}
+
 QString accountName(const CalendarAccount &account)
 {
     return terminalText(account.email.value_or(account.displayName));

@@ -14,6 +14,9 @@ namespace kestrel {
 /// "in 4 min", "in 2 h 5 min", "now".
 [[nodiscard]] QString untilText(Instant start, Instant now);
 
+/// "1 account", "3 accounts".
+[[nodiscard]] QString countOf(qsizetype count, QLatin1StringView one, QLatin1StringView many);
+
 /// An account as people know it.
 [[nodiscard]] QString accountName(const CalendarAccount &account);
 

@@ -48,11 +48,6 @@ const auto browserSection = u"Browser"_s;
 const auto bridgeSection = u"Stream Deck"_s;
 const auto systemSection = u"System"_s;
 
-QString countOf(qsizetype count, QLatin1StringView one, QLatin1StringView many)
-{
-    return QString::number(count) + u' ' + (count == 1 ? one : many);
-}
-
 QString agoText(Instant then, Instant now)
 {
     const auto passed = std::max(now - then, Instant::duration::zero());

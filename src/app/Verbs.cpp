@@ -35,11 +35,6 @@ QString jsonText(const auto &value, QJsonDocument::JsonFormat format = QJsonDocu
     return text.endsWith(u'\n') ? text : text + u'\n';
 }
 
-QString countOf(qsizetype count, QLatin1StringView one, QLatin1StringView many)
-{
-    return QString::number(count) + u' ' + (count == 1 ? one : many);
-}
-
 /// What a person can do about a failed sign-in or sign-out.
 QString adviceOn(const KeychainError &error)
 {
@@ -146,11 +141,10 @@ QString Verbs::signedOutText() const
 
 VerbResult Verbs::status(const CommandLine &line) const
 {
-    const bool isOneLine = line.follow || line.waybar;
     if (line.json)
         return done(jsonText(statusObject(*m_environment),
-                             isOneLine ? QJsonDocument::Compact : QJsonDocument::Indented));
-    if (!isOneLine)
+                             line.follow ? QJsonDocument::Compact : QJsonDocument::Indented));
+    if (!line.follow && !line.waybar)
         return done(statusText(*m_environment));
     const PanelStatus status = panelStatus(*m_environment, m_delegate->menuBar());
     return done(line.waybar ? jsonText(waybarObject(status), QJsonDocument::Compact)
