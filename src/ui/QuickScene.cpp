@@ -8,6 +8,7 @@
 #include <QQuickItem>
 #include <QSGRendererInterface>
 #include <QTextLayout>
+#include <limits>
 #include <tuple>
 
 using namespace Qt::StringLiterals;
@@ -53,6 +54,21 @@ void readFaces(const QString &family)
     }
 }
 
+/// An engine whose scripts are interpreted. Qt 6.4 compiles what was called three times; its code leaves a
+/// bare number where the garbage collector looks for a value, and the collector crashes on it. Ours are
+/// short: it costs nothing.
+std::unique_ptr<QQmlEngine> makeEngine()
+{
+    constexpr const char *Threshold = "QV4_JIT_CALL_THRESHOLD";
+    const bool isOurs = !qEnvironmentVariableIsSet(Threshold);
+    if (isOurs)
+        qputenv(Threshold, QByteArray::number(std::numeric_limits<int>::max()));
+    auto engine = std::make_unique<QQmlEngine>();
+    if (isOurs)
+        qunsetenv(Threshold); // browsers that we start inherit what stays
+    return engine;
+}
+
 } // namespace
 
 QuickScene::QuickScene() = default;
@@ -69,7 +85,7 @@ std::unique_ptr<QQuickView> QuickScene::makeView(const QUrl &source, const QVari
         // once a process: Qt complains of every further call
         static const bool chosen = (QQuickWindow::setGraphicsApi(QSGRendererInterface::Software), true);
         Q_UNUSED(chosen)
-        m_engine = std::make_unique<QQmlEngine>();
+        m_engine = makeEngine();
         m_engine->addImportPath(u":/qt/qml"_s);
     }
     auto view = std::make_unique<QQuickView>(m_engine.get(), nullptr);
