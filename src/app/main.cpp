@@ -6,6 +6,7 @@
 #include "command/HandOver.h"
 #include "platform/linux/WindowSystem.h"
 #include <QGuiApplication>
+#include <vector>
 
 using namespace Qt::StringLiterals;
 using namespace kestrel;
@@ -17,37 +18,38 @@ int complain(int exitCode, const QString &message)
     return printResult(failure(exitCode, u"kestrel: "_s + message));
 }
 
-/// Kestrel itself has windows where there is a display; verbs never do, and start the quicker for it.
-bool wantsWindows(int argc, char **argv)
+/// Kestrel itself has windows where there is a display; verbs never do, and start the quicker for it. The
+/// window system that windows go to, if any.
+std::optional<QByteArray> wantedWindows(int argc, char **argv)
 {
     QStringList arguments;
     for (int i = 0; i < argc; ++i)
         arguments.append(QString::fromLocal8Bit(argv[i]));
     const auto line = CommandLine::parse(arguments);
-    if (!line || !line->verb.isEmpty())
-        return false;
-    const auto system = windowSystem();
-    if (!system)
-        return false;
-    qputenv("QT_QPA_PLATFORM", *system);
-    return true;
+    return line && line->verb.isEmpty() ? windowSystem() : std::nullopt;
 }
 
-std::unique_ptr<QCoreApplication> makeApplication(bool hasDisplay, int &argc, char **argv)
+std::unique_ptr<QCoreApplication> makeApplication(const std::optional<QByteArray> &windows, int &argc,
+                                                  char **argv)
 {
-    if (!hasDisplay)
+    if (!windows)
         return std::make_unique<QCoreApplication>(argc, argv);
     QGuiApplication::setQuitOnLastWindowClosed(false);
     QGuiApplication::setDesktopFileName(AppIdentifier);
-    return std::make_unique<QGuiApplication>(argc, argv);
+    // an argument and not QT_QPA_PLATFORM, which every browser that we start would inherit
+    static QByteArray option = "-platform"_ba, name = *windows;
+    static std::vector<char *> words(argv, argv + argc);
+    words.insert(words.end(), { option.data(), name.data(), nullptr });
+    static int count = argc + 2;
+    return std::make_unique<QGuiApplication>(count, words.data());
 }
 
 } // namespace
 
 int main(int argc, char **argv)
 {
-    const bool hasDisplay = wantsWindows(argc, argv);
-    const auto application = makeApplication(hasDisplay, argc, argv);
+    const auto windows = wantedWindows(argc, argv);
+    const auto application = makeApplication(windows, argc, argv);
     QCoreApplication::setApplicationName(u"kestrel"_s);
     QCoreApplication::setApplicationVersion(QStringLiteral(KESTREL_VERSION));
 
@@ -69,6 +71,6 @@ int main(int argc, char **argv)
     if (place->isSampleGoogle)
         client = GoogleClient { u"kestrel-sample"_s, u"kestrel-sample"_s };
 
-    Application kestrel(*line, *std::move(place), *std::move(client), hasDisplay);
+    Application kestrel(*line, *std::move(place), *std::move(client), windows.has_value());
     return line->verb.isEmpty() ? kestrel.run() : kestrel.runVerb();
 }
