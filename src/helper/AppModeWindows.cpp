@@ -23,7 +23,6 @@ namespace kestrel {
 namespace {
 
 constexpr auto openPatience = 10s;
-constexpr auto startPatience = 20s; ///< a first start of a browser on a busy machine
 constexpr auto exitPatience = 1s; ///< a browser that cannot run says so at once
 constexpr auto look = 50ms;
 constexpr int largest = 16384;
@@ -98,6 +97,11 @@ QCoro::Task<AppModeWindows::Opened> AppModeWindows::open(QString chromePath, QSt
     co_return co_await openInEveryday(*browser, arguments);
 }
 
+QString AppModeWindows::endedText(const Browser &browser, int exitCode)
+{
+    return u"%1 ended at once with exit code %2"_s.arg(browser.command.value(0), QString::number(exitCode));
+}
+
 std::expected<AppModeWindows::Browser, QString> AppModeWindows::browserAt(const QString &chromePath)
 {
     const DesktopApplicationLookup lookup;
@@ -155,10 +159,8 @@ QCoro::Task<AppModeWindows::Opened> AppModeWindows::openInEveryday(Browser brows
     if (!process)
         co_return std::unexpected(process.error());
     const auto code = co_await within(exitPatience, process->ended);
-    if (code.value_or(0) != 0) {
-        co_return std::unexpected(
-            u"%1 ended at once with exit code %2"_s.arg(browser.command.value(0), QString::number(*code)));
-    }
+    if (code.value_or(0) != 0)
+        co_return std::unexpected(endedText(browser, *code));
     co_return {};
 }
 
@@ -171,10 +173,13 @@ QCoro::Task<AppModeWindows::Opened> AppModeWindows::openInOwn(Browser browser, Q
     }
     const Awaited<bool> opening;
     m_openingInOwn = opening;
-    auto opened = co_await openInOwnAlone(browser, arguments, size);
+    // a browser that runs and takes no notice of its pipe would never be given up
+    const auto opened =
+        co_await within(m_place.startPatience,
+                        started("open in Kestrel's own profile", openInOwnAlone(browser, arguments, size)));
     m_openingInOwn.reset();
     opening.settle(true);
-    co_return opened;
+    co_return opened.value_or(std::unexpected(u"The browser with Kestrel's own profile does not answer"_s));
 }
 
 QCoro::Task<AppModeWindows::Opened> AppModeWindows::openInOwnAlone(Browser browser, QStringList arguments,
@@ -186,6 +191,7 @@ QCoro::Task<AppModeWindows::Opened> AppModeWindows::openInOwnAlone(Browser brows
                                 u"--no-default-browser-check"_s, u"--hide-crash-restore-bubble"_s };
     QPointer<DevToolsRoute> route = co_await ownRoute();
     QStringList before;
+    std::optional<Awaited<int>> ended; // of a program that is to end well and at once
     if (route) {
         // the running browser makes the window: it is told so as any second start tells it
         const auto known = co_await route->tabs();
@@ -195,6 +201,7 @@ QCoro::Task<AppModeWindows::Opened> AppModeWindows::openInOwnAlone(Browser brows
         const auto process = co_await startProcess(m_bus, browser.command + profile + arguments);
         if (!process)
             co_return std::unexpected(process.error());
+        ended = process->ended;
     } else {
         const auto relay = co_await startProcess(
             m_bus,
@@ -206,7 +213,9 @@ QCoro::Task<AppModeWindows::Opened> AppModeWindows::openInOwnAlone(Browser brows
     }
     QElapsedTimer elapsed;
     elapsed.start();
-    while (route && !elapsed.hasExpired(std::chrono::milliseconds(startPatience).count())) {
+    while (route && !elapsed.hasExpired(m_place.startPatience.count())) {
+        if (ended && ended->value().value_or(0) != 0)
+            co_return std::unexpected(endedText(browser, *ended->value()));
         const auto now = co_await route->tabs();
         if (!now)
             co_return std::unexpected(now.error());
@@ -225,7 +234,7 @@ QCoro::Task<QPointer<DevToolsRoute>> AppModeWindows::awaitOwnRoute(StartedProces
     relay.ended.then([over] { over.settle(false); });
     QTimer bound;
     QObject::connect(&bound, &QTimer::timeout, &bound, [over] { over.settle(false); });
-    bound.start(startPatience);
+    bound.start(m_place.startPatience);
     for (;;) {
         if (auto route = co_await ownRoute())
             co_return route;

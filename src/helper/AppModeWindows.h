@@ -4,6 +4,7 @@
 #include <QPointer>
 #include <QSize>
 #include <QUrl>
+#include <chrono>
 #include <expected>
 
 namespace kestrel {
@@ -23,6 +24,8 @@ public:
         QString preferencesFile; ///< read anew at each call
         QString ownProfile; ///< the folder of the browser profile that is Kestrel's own
         QString relayProgram;
+        /// With a window of that profile: a first start of a browser on a busy machine.
+        std::chrono::milliseconds startPatience = std::chrono::seconds(20);
     };
 
     AppModeWindows(RelayDirectory &directory, QDBusConnection bus, Place place);
@@ -41,6 +44,7 @@ private:
     };
 
     [[nodiscard]] static std::expected<Browser, QString> browserAt(const QString &chromePath);
+    [[nodiscard]] static QString endedText(const Browser &browser, int exitCode);
     [[nodiscard]] bool prefersOwnProfile() const;
     [[nodiscard]] QCoro::Task<QPointer<ExtensionRoute>> extensionOf(Browser browser);
     [[nodiscard]] QCoro::Task<QPointer<DevToolsRoute>> ownRoute();

@@ -45,12 +45,14 @@ HelperOptions readOptions(const QCoreApplication &application)
                                   u"DIR"_s);
     const QCommandLineOption startWith(u"start-with"_s, u"A further argument of the installed Kestrel."_s,
                                        u"ARGUMENT"_s);
+    const QCommandLineOption patience(u"patience"_s, u"A browser may take so long to start."_s, u"SECONDS"_s,
+                                      u"20"_s);
     const QCommandLineOption idle(u"idle"_s, u"Ends after so long without a call."_s, u"SECONDS"_s, u"30"_s);
     QCommandLineParser parser;
     parser.setApplicationDescription(u"Drives browsers for Kestrel, which starts it on demand."_s);
     parser.addHelpOption();
     parser.addVersionOption();
-    parser.addOptions({ instance, preferences, sockets, profile, relay, home, startWith, idle });
+    parser.addOptions({ instance, preferences, sockets, profile, relay, home, startWith, patience, idle });
     parser.process(application);
 
     const auto path = [&parser](const QCommandLineOption &option) {
@@ -59,10 +61,13 @@ HelperOptions readOptions(const QCoreApplication &application)
     HelperOptions options;
     options.instance = parser.value(instance);
     options.socketFolder = path(sockets);
-    options.windows = { path(preferences), path(profile), path(relay) };
+    const auto duration = [&parser](const QCommandLineOption &option) {
+        return std::chrono::milliseconds(static_cast<qint64>(parser.value(option).toDouble() * 1000));
+    };
+    options.windows = { path(preferences), path(profile), path(relay), duration(patience) };
     options.install = homeInstallPlaces(parser.isSet(home) ? path(home) : QString());
     options.startArguments = parser.values(startWith);
-    options.idle = std::chrono::milliseconds(static_cast<qint64>(parser.value(idle).toDouble() * 1000));
+    options.idle = duration(idle);
     return options;
 }
 

@@ -2,6 +2,8 @@
 #include "helper/PlayedRelay.h"
 #include <QDBusObjectPath>
 #include <QDBusVirtualObject>
+#include <QJsonArray>
+#include <QRegularExpression>
 #include <QTest>
 #include <csignal>
 
@@ -151,6 +153,53 @@ private Q_SLOTS:
             started(session.channel.openInChromeAppMode(session.desktopFile(), address, 800, 360));
         QVERIFY(hasCome(reply));
         QCOMPARE(describe(**reply), error.replace(u"%1"_s, program).replace(u"%2"_s, session.desktopFile()));
+    }
+
+    void givesUpABrowserOfKestrelsOwnThatOpensNothing_data()
+    {
+        QTest::addColumn<bool>("isRunning");
+        QTest::addColumn<bool>("answers");
+        QTest::addColumn<QString>("exec");
+        QTest::addColumn<QString>("error"); // a pattern
+        const auto silent = u"The browser with Kestrel's own profile (did not start|does not answer)"_s;
+        QTest::newRow("ends at once") << false << false << u"/bin/false"_s
+                                      << u"The browser (went before it answered|with .* did not start)"_s;
+        QTest::newRow("knows no DevTools") << false << false << QString() << silent;
+        QTest::newRow("hangs") << true << false << QString() << silent;
+        QTest::newRow("opens nothing") << true << true << u"/bin/true"_s << silent;
+        QTest::newRow("cannot be told")
+            << true << true << u"/bin/false"_s << u"/bin/false ended at once with exit code 1"_s;
+    }
+    void givesUpABrowserOfKestrelsOwnThatOpensNothing()
+    {
+        QFETCH(bool, isRunning);
+        QFETCH(bool, answers);
+        QFETCH(QString, exec);
+        QFETCH(QString, error);
+        Session session({}, { u"--patience"_s, exec == "/bin/false"_L1 ? u"30"_s : u"1"_s });
+        session.write(session.preferences(), u"browserProfile=kestrel\n"_s);
+        session.installBrowser(exec.isEmpty() ? u"\"%1\" %U"_s.arg(playBrowser(session, {})) : exec);
+        std::unique_ptr<PlayedRelay> running;
+        if (isRunning) {
+            running = std::make_unique<PlayedRelay>(
+                session.sockets(), 1, [answers](const QJsonObject &) -> std::optional<QJsonObject> {
+                    const QJsonObject none { { u"targetInfos"_s, QJsonArray() } };
+                    return answers ? std::optional(QJsonObject { { u"result"_s, none } }) : std::nullopt;
+                });
+            running->greeting =
+                PlayedRelay::frame({ { u"relay"_s, 1 },
+                                     { u"route"_s, u"devtools"_s },
+                                     { u"userDataDir"_s, session.folder.filePath(u"profile"_s) } });
+        }
+        for (int call = 0; call < 2; ++call) { // and the next one does not wait for the one before
+            const auto reply =
+                started(session.channel.openInChromeAppMode(session.desktopFile(), address, 800, 360));
+            QVERIFY(hasCome(reply));
+            QVERIFY2(QRegularExpression(u"^%1$"_s.arg(error)).match(describe(**reply)).hasMatch(),
+                     qPrintable(describe(**reply)));
+        }
+        for (const QString &line : written(session).mid(0, 1))
+            ::kill(line.toInt(), SIGKILL);
     }
 
     void asksTheBrowsersOwnExtensionFirst_data()
