@@ -11,6 +11,7 @@
 #include <QPointer>
 #include <QProcess>
 #include <QSaveFile>
+#include <QSet>
 #include <limits>
 
 using namespace Qt::StringLiterals;
@@ -36,8 +37,36 @@ bool wasNotDelivered(const QString &error)
         || error.startsWith("org.freedesktop.DBus.Error.Spawn."_L1);
 }
 
+/// What is there for as long as this process is. Without its display Qt ends it where it stands, and no
+/// destructor of ours runs but those of static objects.
+class FilesOfThisProcess
+{
+public:
+    ~FilesOfThisProcess()
+    {
+        for (const QString &path : std::as_const(m_paths))
+            QFile::remove(path);
+    }
+    static FilesOfThisProcess &all()
+    {
+        static FilesOfThisProcess files;
+        return files;
+    }
+    void add(const QString &path) { m_paths.insert(path); }
+    void remove(const QString &path)
+    {
+        if (m_paths.remove(path))
+            QFile::remove(path);
+    }
+
+private:
+    QSet<QString> m_paths;
+};
+
 HelperError errorOf(const QDBusMessage &reply)
 {
+    if (reply.errorName() == "org.freedesktop.DBus.Error.NoReply"_L1)
+        return { HelperError::Kind::Unreachable, u"the browser helper ended before it answered"_s };
     static const QStringList unknown { u"org.freedesktop.DBus.Error.UnknownMethod"_s,
                                        u"org.freedesktop.DBus.Error.UnknownInterface"_s,
                                        u"org.freedesktop.DBus.Error.UnknownObject"_s,
@@ -76,8 +105,7 @@ DBusHelperChannel::DBusHelperChannel(QDBusConnection bus, QString instance, Prog
 
 DBusHelperChannel::~DBusHelperChannel()
 {
-    if (!m_serviceFile.isEmpty())
-        QFile::remove(m_serviceFile);
+    FilesOfThisProcess::all().remove(m_serviceFile);
 }
 
 HelperChannel::Answer<HelperReply> DBusHelperChannel::openInChromeAppMode(QString chromePath, QString url,
@@ -187,8 +215,10 @@ void DBusHelperChannel::writeServiceFile()
         return;
     }
     file.write(content);
-    if (file.commit())
-        m_serviceFile = path;
+    if (!file.commit())
+        return;
+    m_serviceFile = path;
+    FilesOfThisProcess::all().add(path);
 }
 
 QCoro::Task<void> DBusHelperChannel::startHelper()

@@ -7,6 +7,7 @@ import shutil
 import signal
 import subprocess
 import tempfile
+import time
 import unittest
 
 from kestrel_session import BIN, wait_until
@@ -119,6 +120,32 @@ class SelfInstall(unittest.TestCase):
             self.assertIn(f"Exec='{self.installed}/libexec/kestrel/kestrel-browser-helper'", service)
         with self.subTest("and it offers nothing"):
             self.assertFalse(windows(NOTICE))
+
+    def test_a_helper_that_is_killed_while_it_copies(self):
+        ballast = self.bundle / "bin/a-file-to-copy-first"
+        with ballast.open("wb") as file:
+            file.truncate(2 * 10**9)
+        copies = self.home / ".local/opt"
+        kestrel = self.start()
+        self.press("Return")
+        while not list(copies.glob(".kestrel-copy-*")):
+            self.assertIsNone(kestrel.poll(), self.log_text())
+            time.sleep(0.001)
+        helper, = [process for process in links_below(self.bundle / "libexec", "exe") if process != kestrel.pid]
+        os.kill(helper, signal.SIGKILL)
+        wait_until(lambda: windows("Couldn’t install Kestrel"), f"the failure; {self.log_text()}")
+        xdotool("key", "Return")
+        wait_until(lambda: windows("Kestrel"), "the agenda")
+        self.assertFalse(self.installed.exists())
+        self.assertEqual(self.log_text().count("the browser helper ended before it answered"), 1)
+        kestrel.terminate()
+        self.assertEqual(kestrel.wait(30), 0, self.log_text())
+
+        ballast.unlink()
+        kestrel = self.start()
+        self.press("Return")
+        self.assertEqual(kestrel.wait(60), 0, self.log_text())
+        self.assertEqual(os.listdir(copies), ["kestrel"])
 
     def test_what_cannot_be_installed_goes_on_from_the_stick(self):
         self.installed.mkdir(parents=True)

@@ -265,7 +265,9 @@ class Trouble(unittest.TestCase):
 
     def test_the_end_of_the_session(self):
         kestrel = self.kestrel
-        self.preferences.write_text("popover.hasShownInitialAutoOpen.v1=true\nstatusItem.saidTrayIsMissing.v1=true\n")
+        self.preferences.write_text("popover.hasShownInitialAutoOpen.v1=true\nstatusItem.saidTrayIsMissing.v1=true\n"
+                                    "enableMeetControls=true\n")
+        services = pathlib.Path(os.environ["XDG_RUNTIME_DIR"]) / "dbus-1/services"
         kestrel.start()
         self.sign_in(4.5)
         kestrel.stop()
@@ -286,6 +288,7 @@ class Trouble(unittest.TestCase):
                     kestrel.environment["ASAN_OPTIONS"] = "detect_leaks=0"
                 kestrel.start()
                 wait_until(card, "the card")
+                wait_until(lambda: list(services.glob("*")), "the helper made known to the bus")
                 process, kestrel.process = kestrel.process, None
                 {"bus": bus.kill, "display": display.kill}.get(end, lambda: process.send_signal(end))()
                 self.assertEqual(process.wait(30), 0 if isinstance(end, signal.Signals) else 1, kestrel.log_text())
@@ -293,6 +296,7 @@ class Trouble(unittest.TestCase):
                     self.assertEqual(card(), b"")
                 self.assertNotIn("Sanitizer", kestrel.log_text())
                 self.assertEqual(self.preferences.read_text(), kept)
+                self.assertEqual(list(services.glob("*")), [])
 
 
 unittest.main(verbosity=2)

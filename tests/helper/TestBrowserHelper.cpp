@@ -1,3 +1,4 @@
+#include "base/StartTask.h"
 #include "helper/HelperSession.h"
 #include "helper/PlayedRelay.h"
 #include "meet/protocol/StateScript.h"
@@ -278,23 +279,71 @@ private Q_SLOTS:
         QVERIFY(!QFile::exists(session.destination()));
     }
 
+    void killedInTheMiddleItIsStartedAnew_data()
+    {
+        QTest::addColumn<QString>("operation");
+        QTest::addColumn<QString>("killedAt"); // in the place of the browser's answer
+        QTest::newRow("looking for the tab") << u"run"_s << u"find"_s;
+        QTest::newRow("in the script") << u"run"_s << u"run"_s;
+        QTest::newRow("closing the tab") << u"close"_s << u"close"_s;
+        QTest::newRow("opening a window") << u"open"_s << u"open"_s;
+        QTest::newRow("opening in the own profile") << u"open in own"_s << u"Target.getTargets"_s;
+    }
     void killedInTheMiddleItIsStartedAnew()
     {
+        QFETCH(QString, operation);
+        QFETCH(QString, killedAt);
         Session session;
-        auto answer = silence;
-        PlayedRelay relay(session.sockets(), 1, [&](const QJsonObject &request) { return answer(request); });
-        const auto reply = session.run(click);
-        QTRY_COMPARE_WITH_TIMEOUT(relay.requests.size(), 1, 30000);
+        session.installBrowser(u"/bin/true"_s);
+        const bool isOwn = operation.endsWith("own"_L1);
+        if (isOwn)
+            session.write(session.preferences(), u"browserProfile=kestrel\n"_s);
+        uint killed = 0;
+        PlayedRelay relay(
+            session.sockets(), 1, [&](const QJsonObject &request) -> std::optional<QJsonObject> {
+                const QString op = (isOwn ? request["method"_L1] : request["op"_L1]).toString();
+                if (op == killedAt && killed == 0) {
+                    killed = session.helperPid();
+                    ::kill(static_cast<pid_t>(killed), SIGKILL);
+                    return {};
+                }
+                if (isOwn)
+                    return QJsonObject { { u"error"_s, QJsonObject { { u"message"_s, u"no"_s } } } };
+                return op == "find"_L1 ? tab(7)
+                                       : QJsonObject { { u"result"_s, u"done"_s },
+                                                       { u"closed"_s, true },
+                                                       { u"opened"_s, true } };
+            });
+        const QString profile = session.folder.filePath(isOwn ? u"profile"_s : u"config/chromium"_s);
+        relay.greeting = PlayedRelay::frame({ { u"relay"_s, 1 },
+                                              { u"route"_s, isOwn ? u"devtools"_s : u"extension"_s },
+                                              { u"userDataDir"_s, profile } });
+        const auto call = [&] {
+            auto text = std::make_shared<std::optional<QString>>();
+            const auto keep = [text](const auto &answer) {
+                *text = answer ? describe(answer) : u"unreachable: "_s + answer.error().description;
+            };
+            startTask("call",
+                      [](auto &channel, QString wanted, QString desktopFile, auto then) -> QCoro::Task<void> {
+                          if (wanted == "run"_L1)
+                              then(co_await channel.executeJSInChromeTab(meetTabMarker, click, false));
+                          else if (wanted == "close"_L1)
+                              then(co_await channel.closeChromeTab(meetTabMarker));
+                          else
+                              then(co_await channel.openInChromeAppMode(
+                                  desktopFile, u"https://meet.google.com/x"_s, 800, 600));
+                      }(session.channel, operation, session.desktopFile(), keep));
+            return text;
+        };
 
-        ::kill(static_cast<pid_t>(session.helperPid()), SIGKILL);
+        const auto reply = call();
         QVERIFY(hasCome(reply));
-        QVERIFY(!(*reply)->has_value());
-        QVERIFY((*reply)->error().kind == HelperError::Kind::Unreachable);
-        QVERIFY(!(*reply)->error().description.isEmpty());
-        answer = noTab;
-        const auto next = session.run(click);
+        QCOMPARE(**reply, u"unreachable: the browser helper ended before it answered"_s);
+
+        const auto next = call();
         QVERIFY(hasCome(next));
-        QCOMPARE(describe(**next), u"- - -"_s);
+        QCOMPARE(**next, isOwn ? u"no"_s : operation == "run"_L1 ? u"ok done -"_s : u"ok"_s);
+        QVERIFY(session.helperPid() != killed);
     }
 
     void startsOnDemandAndEndsWhenIdle_data()
