@@ -28,6 +28,7 @@ constexpr qsizetype mostHandshakes = 64;
 constexpr quint64 longestMessage = 65'536;
 constexpr qint64 mostUnsent = 262'144;
 constexpr auto closingTime = 2s;
+constexpr auto listenAgainEvery = 10s;
 
 QJsonObject toJson(const MeetStateSnapshot &snapshot)
 {
@@ -90,6 +91,10 @@ StreamDeckBridge::StreamDeckBridge(QObject *parent)
         while (auto *client = m_protocol.nextPendingConnection())
             adopt(client);
     });
+    m_listenAgain.setSingleShot(true);
+    m_listenAgain.setInterval(listenAgainEvery);
+    m_listenAgain.setTimerType(Qt::VeryCoarseTimer);
+    connect(&m_listenAgain, &QTimer::timeout, this, [this] { start(m_takenPort); });
     m_acceptAgain.setSingleShot(true);
     connect(&m_acceptAgain, &QTimer::timeout, this, [this] {
         if (!m_listener)
@@ -118,12 +123,22 @@ void StreamDeckBridge::start(quint16 port)
         qCCritical(lcBridge) << "invalid port" << port;
         return;
     }
+    const auto listening = listen(port);
+    // of one and the same trouble, said when it begins
+    if (!listening && std::exchange(m_takenPort, port) != port)
+        qCCritical(lcBridge).noquote() << "listen failed:" << errorForLog(listening.error());
+    if (!listening)
+        m_listenAgain.start();
+}
+
+std::expected<void, QString> StreamDeckBridge::listen(quint16 port)
+{
     auto listener = std::make_unique<Listener>([this](qintptr descriptor) { take(descriptor); });
     // QTcpServer sets SO_REUSEADDR
-    if (!listener->listen(QHostAddress::LocalHost, port)) {
-        qCCritical(lcBridge).noquote() << "listen failed:" << errorForLog(listener->errorString());
-        return;
-    }
+    if (!listener->listen(QHostAddress::LocalHost, port))
+        return std::unexpected(listener->errorString());
+    m_takenPort = 0;
+    m_listenAgain.stop();
     // out of descriptors, say: the listener pauses itself then
     connect(listener.get(), &QTcpServer::acceptError, this, [this] {
         qCInfo(lcBridge).noquote().nospace()
@@ -133,10 +148,13 @@ void StreamDeckBridge::start(quint16 port)
     m_listener = std::move(listener);
     qCInfo(lcBridge).noquote().nospace() << "listening on 127.0.0.1:" << port;
     qCInfo(lcBridge) << "listener: ready";
+    return {};
 }
 
 void StreamDeckBridge::stop()
 {
+    m_takenPort = 0;
+    m_listenAgain.stop();
     if (!m_listener && m_connections.isEmpty())
         return;
     m_acceptAgain.stop();

@@ -9,6 +9,7 @@
 #include <QTcpSocket>
 #include <QTimer>
 #include <QWebSocketServer>
+#include <expected>
 #include <functional>
 #include <memory>
 
@@ -37,7 +38,8 @@ public:
     std::function<void(HotkeyAction)> onCommand;
     std::function<MeetStateSnapshot()> stateProvider;
 
-    /// Does nothing while it listens. A port that cannot be had is logged, and the next start() tries again.
+    /// Does nothing while it listens. A port that cannot be had is logged once, and tried again every ten
+    /// seconds until stop(); another start() tries at once.
     void start(quint16 port);
     void stop();
     [[nodiscard]] bool isListening() const { return m_listener != nullptr; }
@@ -56,6 +58,8 @@ private:
         [[nodiscard]] bool isOpen() const;
     };
 
+    /// The error is a description.
+    [[nodiscard]] std::expected<void, QString> listen(quint16 port);
     void take(qintptr descriptor);
     void upgrade(QTcpSocket *socket);
     void adopt(QWebSocket *client);
@@ -65,6 +69,8 @@ private:
     static void send(const Connection &connection, const QByteArray &frame);
 
     std::unique_ptr<Listener> m_listener;
+    QTimer m_listenAgain;
+    quint16 m_takenPort = 0; ///< that is waited for, or none
     QTimer m_acceptAgain;
     QWebSocketServer m_protocol; ///< never listens: it is given sockets whose request was looked at
     QList<DeckHandshake *> m_handshakes; ///< in order of arrival
