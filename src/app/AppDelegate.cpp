@@ -5,6 +5,7 @@
 #include "platform/PreferenceStore.h"
 #include "platform/Screens.h"
 #include "platform/StatusItemHost.h"
+#include "platform/WakeTimer.h"
 #include "ui/QuickScene.h"
 #include "ui/Theme.h"
 #include <QTimer>
@@ -59,6 +60,10 @@ AppDelegate::AppDelegate(PreferenceStore &preferenceStore, const AuthServices &s
     };
     followTransparency();
     connect(&preferences, &Preferences::changed, this, followTransparency);
+
+    // what is shown of the time is made by timers that stand still while the machine sleeps
+    connect(&desktop.alertTimer, &WakeTimer::clockJumped, &m_menuBar, &MenuBarController::updateTitle);
+    connect(&desktop.alertTimer, &WakeTimer::clockJumped, &m_agenda, &AgendaModel::evaluateIfActive);
 
     connect(&m_menuBar, &MenuBarController::joinRequested, this, &AppDelegate::joinNextMeeting);
     connect(&m_menuBar, &MenuBarController::refreshRequested, &m_environment, &AppEnvironment::startRefresh);

@@ -33,6 +33,8 @@ public:
     /// Becoming active brings everything up to date at once.
     void setActive(bool active);
     [[nodiscard]] bool isActive() const { return m_timer.isActive(); }
+    /// The time is another one than its own clock would have come to by now.
+    void evaluateIfActive();
     /// The language or the locale is another one.
     void retranslate();
 
@@ -63,7 +65,6 @@ Q_SIGNALS:
 
 private:
     void evaluate();
-    void evaluateIfActive();
 
     EventStore &m_store;
     AccountRegistry &m_registry;

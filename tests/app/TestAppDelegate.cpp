@@ -1,4 +1,5 @@
 #include "app/AppDelegate.h"
+#include "app/StatusText.h"
 #include "support/FakeDesktop.h"
 #include "support/FakeGoogle.h"
 #include <QQmlEngine>
@@ -200,7 +201,144 @@ private Q_SLOTS:
         QCOMPARE(shown.size(), 1);
     }
 
+    /// What happens, each step with what is seen after it: the alerts since with their instants (in UTC), the
+    /// countdown in the panel, the agenda.
+    void timeInItsUnusualWays_data()
+    {
+        QTest::addColumn<QByteArray>("zone");
+        QTest::addColumn<QString>("now");
+        QTest::addColumn<QStringList>("starts"); // of A, B …, half an hour long
+        QTest::addColumn<QStringList>("course");
+        QTest::newRow("set an hour ahead, and back")
+            << QByteArray("UTC") << u"2025-07-01T09:00:00Z"_s
+            << QStringList { u"2025-07-01T10:02:00Z"_s, u"2025-07-01T11:30:00Z"_s }
+            << QStringList {
+                   u"set 60: 10:00:00.000 A| in 2 min| 10:02 – 10:32  A, 11:30 – 12:00  B"_s,
+                   u"set -60: | in 1 h 2 min| 10:02 – 10:32  A, 11:30 – 12:00  B"_s,
+                   u"awake 60: | in 2 min| 10:02 – 10:32  A, 11:30 – 12:00  B"_s,
+                   u"awake 91: 10:01:00.000 A, 11:25:00.000 B, 11:29:00.000 B| | 11:30 – 12:00  B"_s
+               };
+        QTest::newRow("set a day ahead, and back")
+            << QByteArray("UTC") << u"2025-07-01T09:00:00Z"_s << QStringList { u"2025-07-01T10:00:00Z"_s }
+            << QStringList { u"set 1440: | | "_s, u"set -1440: | in 1 h 0 min| 10:00 – 10:30  A"_s,
+                             u"awake 62: 09:55:00.000 A, 09:59:00.000 A| | 10:00 – 10:30  A"_s };
+        QTest::newRow("asleep over an alert, and over a whole meeting")
+            << QByteArray("UTC") << u"2025-07-01T09:00:00Z"_s
+            << QStringList { u"2025-07-01T09:30:00Z"_s, u"2025-07-01T10:30:00Z"_s, u"2025-07-01T13:00:00Z"_s }
+            << QStringList { u"asleep 28: 09:28:00.000 A| in 2 min| 09:30 – 10:00  A, 10:30 – 11:00  B, "
+                             "13:00 – 13:30  C"_s,
+                             u"asleep 40: | in 22 min| 10:30 – 11:00  B, 13:00 – 13:30  C"_s,
+                             u"awake 18: 10:25:00.000 B| in 4 min| 10:30 – 11:00  B, 13:00 – 13:30  C"_s,
+                             u"asleep 120: | in 34 min| 13:00 – 13:30  C"_s,
+                             u"awake 30: 12:55:00.000 C| in 4 min| 13:00 – 13:30  C"_s };
+        QTest::newRow("02:00 becomes 03:00")
+            << QByteArray("Europe/Berlin") << u"2025-03-30T00:50:00Z"_s
+            << QStringList { u"2025-03-30T01:30:00Z"_s }
+            << QStringList { u"awake 1: | in 39 min| 03:30 – 04:00  A"_s,
+                             u"awake 40: 01:25:00.000 A, 01:29:00.000 A| | 03:30 – 04:00  A"_s };
+        QTest::newRow("03:00 becomes 02:00")
+            << QByteArray("Europe/Berlin") << u"2025-10-25T23:50:00Z"_s
+            << QStringList { u"2025-10-26T00:30:00Z"_s, u"2025-10-26T01:30:00Z"_s }
+            << QStringList { u"awake 1: | in 39 min| 02:30 – 02:00  A, 02:30 – 03:00  B"_s,
+                             u"awake 60: 00:25:00.000 A, 00:29:00.000 A| in 39 min| 02:30 – 02:00  A, "
+                             "02:30 – 03:00  B"_s,
+                             u"asleep 35: 01:26:00.000 B| in 4 min| 02:30 – 03:00  B"_s };
+        QTest::newRow("half an hour from Greenwich")
+            << QByteArray("America/St_Johns") << u"2025-03-09T05:20:00Z"_s
+            << QStringList { u"2025-03-09T05:45:00Z"_s }
+            << QStringList { u"awake 1: | in 24 min| 03:15 – 03:45  A"_s,
+                             u"awake 40: 05:40:00.000 A, 05:44:00.000 A| | 03:15 – 03:45  A"_s };
+        QTest::newRow("02:00 becomes 01:30")
+            << QByteArray("Australia/Lord_Howe") << u"2025-04-05T14:40:00Z"_s
+            << QStringList { u"2025-04-05T14:50:00Z"_s, u"2025-04-05T15:20:00Z"_s }
+            << QStringList { u"awake 1: | in 9 min| 01:50 – 01:50  A, 01:50 – 02:20  B"_s,
+                             u"awake 45: 14:45:00.000 A, 14:49:00.000 A, 15:15:00.000 B, 15:19:00.000 B| | "
+                             "01:50 – 02:20  B"_s };
+        QTest::newRow("a journey") << QByteArray("Europe/Berlin") << u"2025-07-01T10:00:00Z"_s
+                                   << QStringList { u"2025-07-01T11:00:00Z"_s }
+                                   << QStringList {
+                                          u"awake 1: | in 59 min| 13:00 – 13:30  A"_s,
+                                          u"zone America/St_Johns: | in 59 min| 08:30 – 09:00  A"_s,
+                                          u"awake 56: 10:55:00.000 A| in 3 min| 08:30 – 09:00  A"_s
+                                      };
+    }
+    void timeInItsUnusualWays()
+    {
+        QFETCH(const QByteArray, zone);
+        QFETCH(const QString, now);
+        QFETCH(const QStringList, starts);
+        QFETCH(const QStringList, course);
+        const auto restore = qScopeGuard([before = qgetenv("TZ")] { qputenv("TZ", before); });
+        // on waking up the kernel's word comes first or logind's
+        for (const bool kernelFirst : { true, false }) {
+            init();
+            qputenv("TZ", zone);
+            google->preferences.setBoolean(u"popover.hasShownInitialAutoOpen.v1"_s, true);
+            google->clock.setNow(*parseInternetDateTime(now));
+            desktop->windows.placesWindows = false; // notices are enough to see what is presented
+            start();
+            FakeGoogle::settle();
+            QList<Meeting> meetings;
+            for (const QString &at : starts)
+                meetings += meeting(QChar(u'A' + static_cast<char16_t>(meetings.size())),
+                                    *parseInternetDateTime(at), 30min);
+            delegate->environment().store().replace(u"A"_s, meetings);
+            FakeGoogle::settle();
+
+            QStringList seen;
+            for (const QString &step : course) {
+                const QString what = step.section(u':', 0, 0);
+                const QString alerts = carryOut(what.section(u' ', 0, 0), what.section(u' ', 1), kernelFirst);
+                const PanelStatus status = panelStatus(delegate->environment(), delegate->menuBar());
+                seen += u"%1: %2| %3| %4"_s.arg(what, alerts, status.label, status.agenda.join(u", "_s));
+            }
+            QCOMPARE(seen, course);
+            cleanup();
+        }
+    }
+
 private:
+    /// The alerts of a step with the instants at which they are presented.
+    QString carryOut(const QString &what, const QString &amount, bool kernelFirst)
+    {
+        QStringList alerts;
+        AlertPresenter &presenter = delegate->environment().presenter();
+        const auto look = [&] {
+            FakeGoogle::settle();
+            if (!presenter.activeIDs().isEmpty())
+                alerts += toInternetDateTimeWithMilliseconds(google->clock.now()).mid(11, 12) + u' '
+                    + presenter.activeIDs().join(u' ');
+            presenter.dismissAll();
+        };
+        const auto fireWhatIsDue = [&](Instant until) {
+            while (desktop->alertTimer.armed && *desktop->alertTimer.armed <= until && alerts.size() < 20) {
+                google->clock.setNow(std::max(google->clock.now(), *desktop->alertTimer.armed));
+                desktop->alertTimer.fire();
+                look();
+            }
+        };
+        if (what == "zone"_L1) {
+            qputenv("TZ", amount.toUtf8());
+            return {};
+        }
+        const Instant then = google->clock.now() + std::chrono::minutes(amount.toInt());
+        if (what == "awake"_L1) {
+            fireWhatIsDue(then);
+            google->clock.setNow(then);
+            EventStore &store = delegate->environment().store();
+            store.replace(u"A"_s, QList(store.upcoming())); // as the refresh of each minute does
+        } else {
+            google->clock.setNow(then);
+            if (what == "asleep"_L1 && kernelFirst)
+                fireWhatIsDue(then);
+            desktop->alertTimer.jump();
+            look();
+            fireWhatIsDue(then);
+        }
+        FakeGoogle::settle();
+        return alerts.join(u", "_s);
+    }
+
     void start(const AppDelegate::Start &how = {})
     {
         delegate =
