@@ -2,6 +2,7 @@
 
 import os
 import re
+import signal
 import subprocess
 import time
 
@@ -55,8 +56,8 @@ def start_panel(test):
     panel = subprocess.Popen(["mate-panel"], env=environment, stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL,
                              stderr=subprocess.DEVNULL)
 
-    def end():
-        panel.terminate()
+    def end(how=signal.SIGTERM):
+        panel.send_signal(how)
         panel.wait(20)
     test.addCleanup(end)
     wait_until(lambda: has_owner("org.kde.StatusNotifierWatcher"), "the panel's tray")
