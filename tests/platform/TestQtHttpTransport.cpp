@@ -2,8 +2,12 @@
 #include "platform/Gzip.h"
 #include "platform/linux/QtHttpTransport.h"
 #include "support/FakeConnectivity.h"
+#include <QProcess>
+#include <QScopeGuard>
+#include <QSslConfiguration>
 #include <QTcpServer>
 #include <QTcpSocket>
+#include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
 #include <functional>
@@ -348,6 +352,80 @@ private Q_SLOTS:
         QVERIFY2(!got, got ? qPrintable(u"%1: "_s.arg(got->statusOrMinusOne()) + got->bodyText()) : "");
         QCOMPARE(got.error().kind, TransportError::Kind::Network);
         QVERIFY(!got.error().description.isEmpty());
+    }
+
+    void saysWhyThereIsNoAnswer_data()
+    {
+        QTest::addColumn<QString>("host");
+        QTest::addColumn<QString>("why");
+        QTest::newRow("a name that does not resolve") << u"kestrel.invalid"_s << u"not found"_s;
+        QTest::newRow("nobody listens") << u"127.0.0.1:9"_s << u"refused"_s;
+    }
+
+    void saysWhyThereIsNoAnswer()
+    {
+        QFETCH(QString, host);
+        QFETCH(QString, why);
+
+        const auto got = send(get(QUrl(u"http://%1/"_s.arg(host))));
+
+        QCOMPARE(errorKind(std::optional(got)), TransportError::Kind::Network);
+        QVERIFY2(got.error().description.contains(why), qPrintable(got.error().description));
+    }
+
+    void givesDeadConnectionsUp_data()
+    {
+        QTest::addColumn<bool>("comesBack"); // the network; else a time-out tells
+        QTest::newRow("after a time-out") << false;
+        QTest::newRow("when the network is back") << true;
+    }
+
+    // Over HTTP/2, where everything goes through one connection: the server's is real, the line to it goes
+    // dead.
+    void givesDeadConnectionsUp()
+    {
+        QFETCH(bool, comesBack);
+        QTemporaryDir folder;
+        QProcess openssl;
+        openssl.setWorkingDirectory(folder.path());
+        openssl.start(u"openssl"_s,
+                      { u"req"_s, u"-x509"_s, u"-newkey"_s, u"rsa:2048"_s, u"-nodes"_s, u"-days"_s, u"2"_s,
+                        u"-subj"_s, u"/CN=line"_s, u"-addext"_s, u"subjectAltName=IP:127.0.0.1"_s,
+                        u"-keyout"_s, u"key.pem"_s, u"-out"_s, u"certificate.pem"_s });
+        QVERIFY(openssl.waitForFinished() && openssl.exitCode() == 0);
+        const auto trusted = QSslConfiguration::defaultConfiguration();
+        const auto restore = qScopeGuard([&] { QSslConfiguration::setDefaultConfiguration(trusted); });
+        auto trusting = trusted;
+        QVERIFY(trusting.addCaCertificates(folder.filePath(u"certificate.pem"_s)));
+        QSslConfiguration::setDefaultConfiguration(trusting);
+        QProcess server;
+        server.setWorkingDirectory(folder.path());
+        server.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+        server.start(u"node"_s, { QFINDTESTDATA("http2_line.js") });
+        QVERIFY(server.waitForReadyRead());
+        const HttpRequest request =
+            get(QUrl(u"https://127.0.0.1:%1/"_s.arg(QString::fromLatin1(server.readLine().trimmed()))));
+        const auto answered = [&](std::chrono::milliseconds timeout) {
+            HttpRequest limited = request;
+            limited.timeout = timeout;
+            const auto got = send(std::move(limited));
+            return got ? got->bodyText() : got.error().description;
+        };
+        QCOMPARE(answered(100s), u"2.0 on 1"_s);
+        QCOMPARE(answered(100s), u"2.0 on 1"_s);
+
+        server.write("\n");
+        QVERIFY(server.waitForReadyRead());
+        if (comesBack) {
+            m_connectivity.setOnline(false);
+            m_connectivity.setOnline(true);
+        } else {
+            QCOMPARE(answered(200ms), u"The request timed out."_s);
+        }
+
+        QCOMPARE(answered(100s), u"2.0 on 2"_s);
+        server.closeWriteChannel();
+        QVERIFY(server.waitForFinished());
     }
 
     void refusesWhatIsNotHttp()

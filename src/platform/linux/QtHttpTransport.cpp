@@ -1,4 +1,5 @@
 #include "platform/linux/QtHttpTransport.h"
+#include "base/Log.h"
 #include "platform/Connectivity.h"
 #include "platform/linux/GzipDecoder.h"
 #include <QCoro/QCoroFuture>
@@ -89,9 +90,9 @@ bool isBroken(const QNetworkReply &reply, std::optional<int> status)
 class Transfer final : public QObject
 {
 public:
-    Transfer(QNetworkAccessManager &network, HttpRequest request, QObject *parent)
+    Transfer(std::shared_ptr<QNetworkAccessManager> network, HttpRequest request, QObject *parent)
         : QObject(parent)
-        , m_network(network)
+        , m_network(std::move(network))
         , m_request(std::move(request))
     {
         m_promise.start();
@@ -127,7 +128,7 @@ private:
     void dropReply();
     void end(Answer answer);
 
-    QNetworkAccessManager &m_network;
+    std::shared_ptr<QNetworkAccessManager> m_network;
     HttpRequest m_request;
     QPromise<Answer> m_promise;
     QTimer m_deadline;
@@ -170,8 +171,8 @@ void Transfer::sendHop()
 
     const bool isGet = m_request.method == "GET" && m_request.body.isEmpty();
     // sendCustomRequest, since post() moves the query of a POST without a body into the body
-    m_reply = isGet ? m_network.get(request)
-                    : m_network.sendCustomRequest(request, m_request.method, m_request.body);
+    m_reply = isGet ? m_network->get(request)
+                    : m_network->sendCustomRequest(request, m_request.method, m_request.body);
     connect(m_reply, &QNetworkReply::metaDataChanged, this, &Transfer::readHead);
     connect(m_reply, &QNetworkReply::readyRead, this, &Transfer::readBody);
     connect(m_reply, &QNetworkReply::finished, this, &Transfer::finishHop);
@@ -292,13 +293,9 @@ void Transfer::end(Answer answer)
 QtHttpTransport::QtHttpTransport(Connectivity &connectivity, QObject *parent)
     : HttpTransport(parent)
     , m_connectivity(connectivity)
-    , m_network(new QNetworkAccessManager(this))
 {
-    m_network->setCookieJar(new NoCookies(m_network));
-    connect(&m_connectivity, &Connectivity::isOnlineChanged, this, [this] {
-        if (m_connectivity.isOnline())
-            endAllWaits({});
-    });
+    giveUpConnections();
+    connect(&m_connectivity, &Connectivity::isOnlineChanged, this, &QtHttpTransport::followConnectivity);
 }
 
 QtHttpTransport::~QtHttpTransport()
@@ -319,8 +316,36 @@ QCoro::Task<Answer> QtHttpTransport::send(HttpRequest request)
         co_return std::unexpected(online.error());
     if (!self)
         co_return std::unexpected(transportClosed());
-    auto *transfer = new Transfer(*m_network, std::move(request), this);
-    co_return co_await transfer->start();
+    const auto network = m_network;
+    auto *transfer = new Transfer(network, std::move(request), this);
+    auto answer = co_await transfer->start();
+    const bool hasTimedOut = !answer && answer.error().kind == TransportError::Kind::Timeout;
+    if (self && hasTimedOut && m_network == network)
+        giveUpConnections();
+    co_return answer;
+}
+
+/// A connection whose other end cannot be reached any more says nothing, and HTTP/2 would send every further
+/// request into it until the kernel gives it up, a quarter of an hour later.
+void QtHttpTransport::giveUpConnections()
+{
+    auto *const network = new QNetworkAccessManager(this);
+    network->setCookieJar(new NoCookies(network));
+    // one that has been replaced ends with its last transfer, all of them with the transport
+    m_network = { network, [owned = QPointer(network)](QNetworkAccessManager *) {
+                     if (owned)
+                         owned->deleteLater();
+                 } };
+}
+
+void QtHttpTransport::followConnectivity()
+{
+    if (!m_connectivity.isOnline())
+        return;
+    giveUpConnections();
+    if (!m_waiting.empty())
+        qCInfo(lcCalendar) << "The network is back";
+    endAllWaits({});
 }
 
 QCoro::Task<std::expected<void, TransportError>> QtHttpTransport::waitForNetwork(QString account,
@@ -329,6 +354,8 @@ QCoro::Task<std::expected<void, TransportError>> QtHttpTransport::waitForNetwork
     if (isLoopback(address) || m_connectivity.isOnline())
         co_return WaitOutcome();
 
+    if (m_waiting.empty())
+        qCInfo(lcCalendar) << "There is no network; requests wait for one";
     const WaitKey key { account, address.host(), address.path() };
     if (auto older = m_waiting.extract(key)) {
         older.mapped().addResult(std::unexpected(
