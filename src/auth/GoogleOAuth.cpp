@@ -43,6 +43,16 @@ QByteArray formEncoded(const QString &text)
     return QUrl::toPercentEncoding(text, "!$'()*,/:@");
 }
 
+/// A refresh token that is not there leaves the one that is stored.
+QCoro::Task<std::expected<void, KeychainError>> saveTokens(TokenStore store, GoogleOAuth::Grant grant)
+{
+    if (!grant.refreshToken.isEmpty()) {
+        if (const auto saved = co_await store.saveRefreshToken(grant.refreshToken); !saved)
+            co_return saved;
+    }
+    co_return co_await store.saveAccessToken(grant.accessToken);
+}
+
 } // namespace
 
 GoogleOAuth::GoogleOAuth(QString accountID, const AuthServices &services, QObject *parent)
@@ -69,6 +79,79 @@ QCoro::Task<void> GoogleOAuth::readSignedIn(QPointer<GoogleOAuth> self)
 }
 
 QCoro::Task<GoogleOAuth::Outcome> GoogleOAuth::signIn()
+{
+    const QPointer self(this);
+    const TokenStore store = m_store;
+    const auto grant = co_await consent();
+    if (!grant)
+        co_return std::unexpected(grant.error());
+    if (const auto saved = co_await saveTokens(store, *grant); !saved)
+        co_return std::unexpected(saved.error());
+    if (!self)
+        co_return std::unexpected(notSignedIn());
+    (void)co_await fetchUserInfo(); // an account without a known address is signed in all the same
+    if (!self)
+        co_return std::unexpected(notSignedIn());
+
+    ++m_turn;
+    setState(State::SignedIn);
+    qCInfo(lcAuth).noquote() << "Signed into Google account" << m_accountID;
+    co_return Outcome();
+}
+
+QCoro::Task<std::expected<GoogleOAuth::Grant, AuthError>> GoogleOAuth::askForConsent()
+{
+    const QPointer self(this);
+    auto grant = co_await consent();
+    if (!grant)
+        co_return grant;
+    if (!self)
+        co_return std::unexpected(notSignedIn());
+    if (const auto user = co_await userInfoOf(grant->accessToken.token); user && *user)
+        grant->email = (*user)->email;
+    co_return grant;
+}
+
+QCoro::Task<GoogleOAuth::Outcome> GoogleOAuth::adopt(Grant grant)
+{
+    const QPointer self(this);
+    const auto isKept =
+        std::make_shared<bool>(false); // a refresh that is under way is what is waited for first
+    TokenRefresher::Result kept;
+    while (self && !*isKept) {
+        kept = co_await m_refresher.refresh([self, grant, isKept] {
+            *isKept = true;
+            return keepGrant(self, grant);
+        });
+    }
+    if (!self)
+        co_return std::unexpected(notSignedIn());
+    if (!kept)
+        co_return std::unexpected(kept.error());
+    co_return Outcome();
+}
+
+QCoro::Task<TokenRefresher::Result> GoogleOAuth::keepGrant(QPointer<GoogleOAuth> self, Grant grant)
+{
+    const TokenStore store = self->m_store;
+    const int turn = ++self->m_turn;
+    const auto saved = co_await saveTokens(store, grant);
+    if (!self || self->m_turn != turn) { // a sign-out came in between
+        (void)co_await store.deleteRefreshToken();
+        (void)co_await store.deleteAccessToken();
+        co_return std::unexpected(notSignedIn());
+    }
+    if (!saved)
+        co_return std::unexpected(saved.error());
+    self->m_health = { grant.accessToken.expiresAt, self->m_services.clock.now(), {} };
+    if (grant.email)
+        self->setAccountEmail(grant.email);
+    self->setState(State::SignedIn);
+    qCInfo(lcAuth).noquote() << "Signed into Google account" << self->m_accountID;
+    co_return grant.accessToken.token;
+}
+
+QCoro::Task<std::expected<GoogleOAuth::Grant, AuthError>> GoogleOAuth::consent()
 {
     const QPointer self(this);
     if (!m_services.client.isComplete())
@@ -99,19 +182,7 @@ QCoro::Task<GoogleOAuth::Outcome> GoogleOAuth::signIn()
     if (callback->state != secrets->state)
         co_return std::unexpected(OAuthError { OAuthError::Kind::StateMismatch, 0, {} });
 
-    const auto exchanged = co_await exchange(callback->code, secrets->verifier, redirectUri);
-    if (!self)
-        co_return std::unexpected(notSignedIn());
-    if (!exchanged)
-        co_return exchanged;
-    (void)co_await fetchUserInfo(); // an account without a known address is signed in all the same
-    if (!self)
-        co_return std::unexpected(notSignedIn());
-
-    ++m_turn;
-    setState(State::SignedIn);
-    qCInfo(lcAuth).noquote() << "Signed into Google account" << m_accountID;
-    co_return Outcome();
+    co_return co_await exchange(callback->code, secrets->verifier, redirectUri);
 }
 
 QUrl GoogleOAuth::authorizationUrl(const SignInSecrets &secrets, const QString &redirectUri) const
@@ -136,10 +207,10 @@ QUrl GoogleOAuth::authorizationUrl(const SignInSecrets &secrets, const QString &
     return url;
 }
 
-QCoro::Task<GoogleOAuth::Outcome> GoogleOAuth::exchange(QString code, QString verifier, QString redirectUri)
+QCoro::Task<std::expected<GoogleOAuth::Grant, AuthError>>
+GoogleOAuth::exchange(QString code, QString verifier, QString redirectUri)
 {
     const QPointer self(this);
-    const TokenStore store = m_store;
     HttpRequest request = tokenRequest({
         { "grant_type", u"authorization_code"_s },
         { "code", code },
@@ -160,14 +231,7 @@ QCoro::Task<GoogleOAuth::Outcome> GoogleOAuth::exchange(QString code, QString ve
     const auto tokens = TokenResponse::fromJson(answer->body);
     if (!tokens)
         co_return std::unexpected(tokens.error());
-    const AccessToken accessToken = accessTokenOf(*tokens);
-    if (!tokens->refreshToken.value_or(QString()).isEmpty()) {
-        if (const auto saved = co_await store.saveRefreshToken(*tokens->refreshToken); !saved)
-            co_return std::unexpected(saved.error());
-    }
-    if (const auto saved = co_await store.saveAccessToken(accessToken); !saved)
-        co_return std::unexpected(saved.error());
-    co_return Outcome();
+    co_return Grant { tokens->refreshToken.value_or(QString()), accessTokenOf(*tokens), {} };
 }
 
 QCoro::Task<TokenRefresher::Result> GoogleOAuth::accessToken()
@@ -178,6 +242,8 @@ QCoro::Task<TokenRefresher::Result> GoogleOAuth::accessToken()
         co_return std::unexpected(notSignedIn());
     if (stored && *stored && (*stored)->expiresAt > m_services.clock.now() + smallestLifetime) {
         m_health.expires = (*stored)->expiresAt;
+        if (m_state == State::SignedOut) // the store came to hold tokens again without a word
+            startTask("reading whether an account is signed in", readSignedIn(this));
         co_return (*stored)->token;
     }
     co_return co_await refreshAccessToken();
@@ -240,6 +306,7 @@ QCoro::Task<TokenRefresher::Result> GoogleOAuth::renewAccessToken(QPointer<Googl
         co_return std::unexpected(notSignedIn());
     if (!saved)
         co_return std::unexpected(saved.error());
+    self->setState(State::SignedIn);
     self->m_health.expires = accessToken.expiresAt;
     self->m_health.renewed = self->m_services.clock.now();
     co_return tokens->accessToken;
@@ -253,8 +320,17 @@ QCoro::Task<std::expected<std::optional<Google::UserInfo>, AuthError>> GoogleOAu
         co_return std::unexpected(notSignedIn());
     if (!token)
         co_return std::unexpected(token.error());
+    auto user = co_await userInfoOf(*token);
+    if (self && user && *user)
+        setAccountEmail((*user)->email);
+    co_return user;
+}
+
+QCoro::Task<GoogleOAuth::UserInfoResult> GoogleOAuth::userInfoOf(QString accessToken)
+{
+    const QPointer self(this);
     HttpRequest question = request("GET", m_services.endpoints.userInfo);
-    question.headers = { { "Authorization", "Bearer " + token->toUtf8() } };
+    question.headers = { { "Authorization", "Bearer " + accessToken.toUtf8() } };
     const auto answer = co_await m_services.transport.send(std::move(question));
     if (!self)
         co_return std::unexpected(notSignedIn());
@@ -265,7 +341,6 @@ QCoro::Task<std::expected<std::optional<Google::UserInfo>, AuthError>> GoogleOAu
     auto user = Google::UserInfo::fromJson(answer->body);
     if (!user)
         co_return std::unexpected(user.error());
-    setAccountEmail(user->email);
     co_return std::optional(std::move(*user));
 }
 
@@ -274,12 +349,8 @@ QCoro::Task<std::expected<void, KeychainError>> GoogleOAuth::signOut()
     const QPointer self(this);
     const TokenStore store = m_store; // the tokens go even where this object goes first
     const auto refreshToken = co_await store.loadRefreshToken();
-    if (self && refreshToken && !refreshToken->value_or(QString()).isEmpty()) {
-        QUrl url = m_services.endpoints.revocation;
-        url.setQuery(QString::fromLatin1("token=" + QUrl::toPercentEncoding(**refreshToken)),
-                     QUrl::StrictMode);
-        (void)co_await m_services.transport.send(request("POST", url)); // what comes of it is Google's affair
-    }
+    if (self && refreshToken && !refreshToken->value_or(QString()).isEmpty())
+        co_await revoke(**refreshToken);
     if (auto deleted = co_await store.deleteRefreshToken(); !deleted)
         co_return deleted;
     if (auto deleted = co_await store.deleteAccessToken(); !deleted)
@@ -291,6 +362,13 @@ QCoro::Task<std::expected<void, KeychainError>> GoogleOAuth::signOut()
         qCInfo(lcAuth).noquote() << "Signed out of Google account" << m_accountID;
     }
     co_return std::expected<void, KeychainError>();
+}
+
+QCoro::Task<void> GoogleOAuth::revoke(QString token)
+{
+    QUrl url = m_services.endpoints.revocation;
+    url.setQuery(QString::fromLatin1("token=" + QUrl::toPercentEncoding(token)), QUrl::StrictMode);
+    (void)co_await m_services.transport.send(request("POST", url));
 }
 
 HttpRequest GoogleOAuth::request(QByteArray method, const QUrl &url) const

@@ -52,6 +52,14 @@ class GoogleOAuth final : public QObject
     Q_OBJECT
     Q_PROPERTY(bool isSignedIn READ isSignedIn NOTIFY isSignedInChanged)
 public:
+    /// What a person's consent gave; kept nowhere yet.
+    struct Grant
+    {
+        QString refreshToken; ///< empty when the server gave none
+        AccessToken accessToken;
+        std::optional<QString> email; ///< as the user-info endpoint reported it
+    };
+
     /// Starts reading the refresh token; isSignedIn follows when it was read, and again whenever a locked or
     /// missing secret store opens.
     GoogleOAuth(QString accountID, const AuthServices &services, QObject *parent = nullptr);
@@ -68,6 +76,13 @@ public:
 
     /// The whole way through the browser; takes as long as the person does, at most two minutes.
     [[nodiscard]] QCoro::Task<std::expected<void, AuthError>> signIn();
+    /// The same way, which leaves everything as it is: what it gave is for adopt() or revoke().
+    [[nodiscard]] QCoro::Task<std::expected<Grant, AuthError>> askForConsent();
+    /// Puts what was given in the place of the account's tokens, after a refresh that is under way: its
+    /// refusal would be of the old ones.
+    [[nodiscard]] QCoro::Task<std::expected<void, AuthError>> adopt(Grant grant);
+    /// What comes of it is Google's affair.
+    [[nodiscard]] QCoro::Task<void> revoke(QString token);
     /// A bearer token that is good for a minute at least.
     [[nodiscard]] QCoro::Task<std::expected<QString, AuthError>> accessToken();
     /// A new one, whatever the stored one's expiry says.
@@ -90,7 +105,13 @@ private:
     static QCoro::Task<void> readSignedIn(QPointer<GoogleOAuth> self);
     static QCoro::Task<TokenRefresher::Result> renewAccessToken(QPointer<GoogleOAuth> self);
     [[nodiscard]] QUrl authorizationUrl(const SignInSecrets &secrets, const QString &redirectUri) const;
-    [[nodiscard]] QCoro::Task<Outcome> exchange(QString code, QString verifier, QString redirectUri);
+    static QCoro::Task<TokenRefresher::Result> keepGrant(QPointer<GoogleOAuth> self, Grant grant);
+    /// The browser's part and the exchange.
+    [[nodiscard]] QCoro::Task<std::expected<Grant, AuthError>> consent();
+    [[nodiscard]] QCoro::Task<std::expected<Grant, AuthError>> exchange(QString code, QString verifier,
+                                                                        QString redirectUri);
+    using UserInfoResult = std::expected<std::optional<Google::UserInfo>, AuthError>;
+    [[nodiscard]] QCoro::Task<UserInfoResult> userInfoOf(QString accessToken);
     [[nodiscard]] HttpRequest request(QByteArray method, const QUrl &url) const;
     [[nodiscard]] HttpRequest tokenRequest(const FormItems &items) const;
     [[nodiscard]] AccessToken accessTokenOf(const TokenResponse &response) const;

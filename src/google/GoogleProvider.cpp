@@ -22,6 +22,7 @@ struct GoogleProvider::Session
 
     GoogleOAuth oauth;
     GoogleCalendarClient client;
+    std::optional<GoogleOAuth::Grant> grant; ///< of a sign-in anew, until it is adopted
     ReadHealth health;
 };
 
@@ -103,8 +104,7 @@ void GoogleProvider::keep(const std::shared_ptr<Session> &session)
             [this, accountID] { Q_EMIT signedInChanged(accountID); });
 }
 
-QCoro::Task<std::expected<std::shared_ptr<GoogleProvider::Session>, AuthError>>
-GoogleProvider::newSession(QString accountID)
+QCoro::Task<GoogleProvider::NewSession> GoogleProvider::newSession(QString accountID, bool isKnown)
 {
     const QPointer self(this);
     // a newer try takes the place of an older one, whose page the person has closed; that one ends here
@@ -113,7 +113,17 @@ GoogleProvider::newSession(QString accountID)
         m_signingIn.emplace(accountID, std::make_shared<Session>(accountID, m_services, m_turns)).first;
     Session *const session = inserted->second.get();
     older = {};
-    const auto signedIn = co_await session->oauth.signIn();
+    std::optional<GoogleOAuth::Grant> grant;
+    std::expected<void, AuthError> signedIn;
+    if (isKnown) {
+        auto given = co_await session->oauth.askForConsent();
+        if (given)
+            grant = std::move(*given);
+        else
+            signedIn = std::unexpected(given.error());
+    } else {
+        signedIn = co_await session->oauth.signIn();
+    }
     decltype(m_signingIn)::node_type pending;
     if (self) {
         if (const auto found = m_signingIn.find(accountID);
@@ -124,13 +134,15 @@ GoogleProvider::newSession(QString accountID)
         co_return std::unexpected(signedIn.error());
     if (!pending)
         co_return std::unexpected(OAuthError { OAuthError::Kind::NotSignedIn, 0, {} });
+    pending.mapped()->grant = std::move(grant);
     co_return pending.mapped();
 }
 
 QCoro::Task<std::expected<CalendarAccount, AuthError>> GoogleProvider::signIn()
 {
     const QPointer self(this);
-    const auto session = co_await newSession(QUuid::createUuid().toString(QUuid::WithoutBraces).toUpper());
+    const auto session =
+        co_await newSession(QUuid::createUuid().toString(QUuid::WithoutBraces).toUpper(), false);
     if (!session)
         co_return std::unexpected(session.error());
     if (!self)
@@ -150,20 +162,29 @@ QCoro::Task<std::expected<CalendarAccount, AuthError>> GoogleProvider::signIn()
 QCoro::Task<std::expected<void, AuthError>> GoogleProvider::signInAgain(QString accountID)
 {
     const QPointer self(this);
-    const auto session = co_await newSession(accountID);
-    if (!session)
-        co_return std::unexpected(session.error());
+    const auto asked = co_await newSession(accountID, true);
+    if (!asked)
+        co_return std::unexpected(asked.error());
+    const GoogleOAuth::Grant grant = *std::exchange((*asked)->grant, {});
     const auto account = self ? m_registry.account(accountID) : std::nullopt;
-    const QString chosen = (*session)->oauth.accountEmail().value_or(QString());
+    const QString chosen = grant.email.value_or(QString());
     const QString wanted = account ? account->email.value_or(chosen) : QString();
     if (!account || (!chosen.isEmpty() && chosen.compare(wanted, Qt::CaseInsensitive) != 0)) {
-        (void)co_await (*session)->oauth.signOut();
+        // a revocation ends all that the address has given us
+        const bool isOurs =
+            self && std::ranges::any_of(m_registry.accounts(), [&](const auto &each) {
+                return each.email.value_or(QString()).compare(chosen, Qt::CaseInsensitive) == 0;
+            });
+        if (self && !isOurs)
+            co_await (*asked)->oauth.revoke(grant.refreshToken.isEmpty() ? grant.accessToken.token
+                                                                         : grant.refreshToken);
         co_return std::unexpected(OAuthError { OAuthError::Kind::OtherAccount, 0, chosen });
     }
-    this->session(accountID)->oauth.disconnect(this);
-    keep(*session);
-    Q_EMIT signedInChanged(accountID);
-    Q_EMIT signedInAgain(accountID);
+    const auto session = this->session(accountID);
+    if (const auto adopted = co_await session->oauth.adopt(grant); !adopted)
+        co_return adopted;
+    if (self)
+        Q_EMIT signedInAgain(accountID);
     co_return std::expected<void, AuthError>();
 }
 

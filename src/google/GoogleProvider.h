@@ -60,7 +60,8 @@ public:
 
     /// A new account through the browser; it is registered when this ends.
     [[nodiscard]] QCoro::Task<std::expected<CalendarAccount, AuthError>> signIn();
-    /// A registered account whose sign-in has ended, through the browser; everything about it stays as it is.
+    /// A registered account anew, through the browser; everything about it stays as it is. What it had to
+    /// sign in with counts until the new tokens are there, whether it was still good or not.
     [[nodiscard]] QCoro::Task<std::expected<void, AuthError>> signInAgain(QString accountID);
     /// Nothing changes when the tokens cannot be deleted.
     [[nodiscard]] QCoro::Task<std::expected<void, KeychainError>> signOut(QString accountID);
@@ -78,9 +79,11 @@ Q_SIGNALS:
     void signedInAgain(const QString &accountID);
 
 private:
-    /// The browser's way for `accountID`; the session that holds its tokens is not kept yet.
-    [[nodiscard]] QCoro::Task<std::expected<std::shared_ptr<Session>, AuthError>>
-    newSession(QString accountID);
+    using NewSession = std::expected<std::shared_ptr<Session>, AuthError>;
+
+    /// The browser's way for `accountID`: signed in, or with a grant that is kept nowhere. The session is not
+    /// kept yet.
+    [[nodiscard]] QCoro::Task<NewSession> newSession(QString accountID, bool isKnown);
     std::shared_ptr<Session> session(const QString &accountID);
     void keep(const std::shared_ptr<Session> &session);
 

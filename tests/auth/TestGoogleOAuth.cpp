@@ -139,6 +139,25 @@ private Q_SLOTS:
         QCOMPARE(QCoro::waitFor(oauth->accessToken()), TokenRefresher::Result(u"at"_s));
     }
 
+    void aTokenThatIsThereAgainSignsIn_data()
+    {
+        QTest::addColumn<bool>("isGood"); // the access token
+        QTest::newRow("with a good access token") << true;
+        QTest::newRow("without one") << false;
+    }
+
+    void aTokenThatIsThereAgainSignsIn()
+    {
+        QFETCH(bool, isGood);
+        const auto oauth = account();
+        QVERIFY(oauth->isSignedOut());
+        m_secrets->secrets.insert(refreshItem, "rt"); // a store that shows its items late, and says nothing
+        if (isGood)
+            m_secrets->secrets.insert(accessItem, storedAccessToken("at", "2025-03-01T09:30:00Z"));
+        QCOMPARE(QCoro::waitFor(oauth->accessToken()), TokenRefresher::Result(u"at"_s));
+        QVERIFY(oauth->isSignedIn());
+    }
+
     void signsInThroughTheBrowser()
     {
         const auto oauth = account();

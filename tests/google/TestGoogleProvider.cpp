@@ -267,6 +267,72 @@ private Q_SLOTS:
         QCOMPARE(account.registry.accounts().size(), 1);
     }
 
+    void aSignInAnewLeavesWhatIsGoodUntilItIsDone_data()
+    {
+        QTest::addColumn<int>("status"); // of the token endpoint
+        QTest::addColumn<QString>("chosen");
+        QTest::addColumn<QByteArray>("left"); // as the refresh token
+        QTest::addColumn<int>("revocations");
+        QTest::newRow("the same account") << 200 << u"a@example.com"_s << "new"_ba << 0;
+        QTest::newRow("an account that says no address") << 200 << QString() << "new"_ba << 0;
+        QTest::newRow("another account") << 200 << u"c@example.com"_s << "refresh-A"_ba << 1;
+        // all that Google gave to that one would end as well
+        QTest::newRow("another of ours") << 200 << u"b@example.com"_s << "refresh-A"_ba << 0;
+        QTest::newRow("no tokens") << 503 << u"a@example.com"_s << "refresh-A"_ba << 0;
+    }
+
+    void aSignInAnewLeavesWhatIsGoodUntilItIsDone()
+    {
+        QFETCH(int, status);
+        QFETCH(QString, chosen);
+        QFETCH(QByteArray, left);
+        Provider account;
+        account.registry.add(account.google.account(u"B"_s));
+        auto &transport = account.google.transport;
+        transport.answer(u"/token"_s, status,
+                         R"({"access_token":"access","refresh_token":"new","expires_in":3600})");
+        transport.answer(u"/v1/userinfo"_s, chosen.isEmpty() ? 500 : 200,
+                         "{\"email\":\"" + chosen.toUtf8() + "\"}");
+        account.google.opener.onOpen = [](const QUrl &url) { comeBack(url, u"?code=a-code&state=STATE"_s); };
+
+        const auto signedIn = QCoro::waitFor(account.provider->signInAgain(u"A"_s));
+
+        QCOMPARE(signedIn.has_value(), left == "new");
+        QCOMPARE(account.google.secrets.secrets.value(u"google.A.refresh_token"_s), left);
+        QVERIFY(account.provider->oauth(u"A"_s).isSignedIn());
+        QTEST(transport.requestsTo(u"/revoke"_s), "revocations");
+        const auto token = QCoro::waitFor(account.provider->oauth(u"A"_s).accessToken());
+        QCOMPARE(token, TokenRefresher::Result(left == "new" ? u"access"_s : u"token of A"_s));
+    }
+
+    void aRefusalOfTheOldTokenLeavesTheNewOne()
+    {
+        Provider account;
+        auto &transport = account.google.transport;
+        account.google.secrets.secrets.remove(u"google.A.access_token"_s);
+        transport.hold();
+        auto fetch = account.fetch({});
+        FakeGoogle::settle();
+        QCOMPARE(transport.requestsTo(u"/token"_s), 1);
+        transport.holdNoMore();
+        transport.answer(u"/token"_s, 200,
+                         R"({"access_token":"access","refresh_token":"new","expires_in":3600})");
+        transport.answer(u"/token"_s, 400, "invalid_grant");
+        transport.answer(u"/v1/userinfo"_s, 200, R"({"email":"a@example.com"})");
+        account.google.opener.onOpen = [](const QUrl &url) { comeBack(url, u"?code=a-code&state=STATE"_s); };
+        auto signIn = account.provider->signInAgain(u"A"_s);
+        QTRY_COMPARE(transport.requestsTo(u"/v1/userinfo"_s), 1);
+        FakeGoogle::settle();
+
+        transport.release();
+
+        QVERIFY(QCoro::waitFor(signIn));
+        QCoro::waitFor(fetch);
+        QCOMPARE(account.google.secrets.secrets.value(u"google.A.refresh_token"_s), "new");
+        QVERIFY(account.google.secrets.secrets.contains(u"google.A.access_token"_s));
+        QVERIFY(account.provider->oauth(u"A"_s).isSignedIn());
+    }
+
     void signInEndsWithTheProvider()
     {
         Provider account;

@@ -26,6 +26,8 @@ public:
     /// While held, requests wait; release() lets those of one path, or all, go on.
     void hold() { m_isHeld = true; }
     void release(const QString &path = {});
+    /// Those that wait go on waiting; who comes now does not.
+    void holdNoMore() { m_isHeld = false; }
 
     void setOnline(bool online);
 
