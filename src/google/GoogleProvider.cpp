@@ -1,7 +1,9 @@
 #include "google/GoogleProvider.h"
 #include "base/Log.h"
 #include "google/PageTurns.h"
+#include <QHash>
 #include <QPointer>
+#include <QSet>
 #include <QUuid>
 #include <algorithm>
 #include <utility>
@@ -24,6 +26,9 @@ struct GoogleProvider::Session
     GoogleCalendarClient client;
     std::optional<GoogleOAuth::Grant> grant; ///< of a sign-in anew, until it is adopted
     ReadHealth health;
+    /// By calendar, the causes of failures that the log tells of already. A fault that lasts is one line, not
+    /// one a minute.
+    QHash<QString, QSet<QString>> saidOf;
 };
 
 namespace {
@@ -212,8 +217,11 @@ GoogleProvider::loadCalendars(QString accountID)
     const QPointer self(this);
     const auto session = this->session(accountID);
     const auto list = co_await session->client.calendarList();
-    if (!list)
+    if (!list) {
+        qCCritical(lcCalendar).noquote().nospace() << "Failed listing the calendars of account " << accountID
+                                                   << ": " << errorForLog(description(list.error()));
         co_return std::unexpected(list.error());
+    }
 
     QList<ProviderCalendar> calendars;
     calendars.reserve(list->items.size());
@@ -257,13 +265,22 @@ GoogleProvider::fetchUpcomingMeetings(QString accountID, QStringList calendarIDs
         if (!events) {
             if (isSuperseded(events.error()))
                 co_return std::unexpected(FetchError { FetchError::Kind::Superseded });
-            qCCritical(lcCalendar).noquote().nospace()
-                << "Failed fetching " << Private(calendarID) << " for account " << accountID << ": "
-                << errorForLog(description(events.error()));
+            const QString cause = causeOf(events.error());
+            QSet<QString> &said = session->saidOf[calendarID];
+            // one that is signed out is so because of what was said
+            if (said.isEmpty() || (!said.contains(cause) && !session->oauth.isSignedOut())) {
+                said.insert(cause);
+                qCCritical(lcCalendar).noquote().nospace()
+                    << "Failed fetching " << Private(calendarID) << " for account " << accountID << ": "
+                    << errorForLog(description(events.error()));
+            }
             if (health.failed++ == 0)
-                health.failure = causeOf(events.error());
+                health.failure = cause;
             continue;
         }
+        if (session->saidOf.remove(calendarID))
+            qCInfo(lcCalendar).noquote().nospace()
+                << "Fetching " << Private(calendarID) << " for account " << accountID << " works again";
         for (qsizetype i = 0; i < events->items.size(); ++i) {
             if (i > 0 && i % eventsPerTurn == 0)
                 co_await turns->next();

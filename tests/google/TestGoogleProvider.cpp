@@ -124,6 +124,37 @@ private Q_SLOTS:
                                 u"c2 of two"_s, u"d1 of one"_s }));
     }
 
+    void aFaultThatLastsIsSaidOnce()
+    {
+        Provider account;
+        const QString path = FakeGoogle::eventsPath();
+        const FakeHttpTransport::Answer unresolved = std::unexpected(
+            TransportError { TransportError::Kind::Network, u"Host www.googleapis.com not found"_s });
+        for (const auto &answer :
+             { unresolved, unresolved, FakeHttpTransport::Answer(HttpResponse { 500, "down" }), unresolved })
+            account.google.transport.answer(path, answer);
+        account.google.answerEvents(u"primary"_s, { { u"e"_s } });
+        account.google.transport.answer(path, unresolved);
+
+        static QStringList said;
+        said.clear();
+        const auto before = qInstallMessageHandler([](QtMsgType, const auto &, const QString &text) {
+            if (!text.startsWith(u"fetchUpcomingMeetings"_s))
+                said.append(text);
+        });
+        QList<qsizetype> read;
+        for (int refresh = 0; refresh < 7; ++refresh)
+            read.append(QCoro::waitFor(account.fetch({}))->size());
+        qInstallMessageHandler(before);
+
+        QCOMPARE(read, (QList<qsizetype> { 0, 0, 0, 0, 1, 0, 0 }));
+        const QString failed = u"Failed fetching <private> for account A: "_s;
+        const QString notFound = failed + u"Host www.googleapis.com not found"_s;
+        QCOMPARE(said,
+                 (QStringList { notFound, failed + u"HTTP 500: down"_s,
+                                u"Fetching <private> for account A works again"_s, notFound }));
+    }
+
     void listedCalendarsArePublished()
     {
         Provider account;
