@@ -61,8 +61,8 @@ public:
 Q_SIGNALS:
     /// The store was locked or missing before and can be read now.
     void opened();
-    /// The store cannot be used. `message` names what to install or to do, ready to be shown; said once per
-    /// cause.
+    /// The store cannot be used. `message` names what to install or to do, ready to be shown; said once until
+    /// the store can be used again.
     void trouble(const QString &message);
 };
 

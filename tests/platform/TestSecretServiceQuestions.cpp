@@ -171,6 +171,22 @@ private Q_SLOTS:
         QTRY_COMPARE(steer(u"Prompts"_s), 1);
     }
 
+    void aServiceThatIsOutOfOrderForAWhileIsToldOnceAndOpens()
+    {
+        steer(u"SetTrait"_s, { u"refuses_sessions"_s, true });
+        SecretServiceStore store;
+        const QSignalSpy opened(&store, &SecretStore::opened);
+        const QSignalSpy trouble(&store, &SecretStore::trouble);
+        QCOMPARE(secret(store, present), "[-25291]");
+        QCOMPARE(secret(store, present), "[-25291]");
+        QTRY_COMPARE(trouble.size(), 1);
+        QVERIFY(trouble[0][0].toString().contains(u"(out of order)"_s));
+        QCOMPARE(opened.size(), 0);
+        steer(u"SetTrait"_s, { u"refuses_sessions"_s, false });
+        QCOMPARE(secret(store, present), "1");
+        QTRY_COMPARE(opened.size(), 1);
+    }
+
     void aFirstCollectionIsCreatedForAWriteAlone()
     {
         steer(u"RemoveDefault"_s);

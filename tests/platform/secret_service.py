@@ -25,6 +25,7 @@ def load(mock, _parameters):
     mock.hides_locked_items = False
     mock.says_properties = True
     mock.asks_on_write = False
+    mock.refuses_sessions = False
     mock.asks_for_items = False  # each item is allowed by itself
     mock.allowed = set()
     mock.answer = "wait"
@@ -132,6 +133,8 @@ def bind(mock):
 
 @dbus.service.method(MAIN_IFACE, in_signature="sv", out_signature="vo")
 def OpenSession(self, algorithm, _input):
+    if self.refuses_sessions:
+        raise dbus.exceptions.DBusException("out of order", name="org.freedesktop.DBus.Error.Failed")
     if algorithm != "plain":
         raise dbus.exceptions.DBusException("plain only", name="org.freedesktop.DBus.Error.NotSupported")
     return dbus.String("", variant_level=1), dbus.ObjectPath(MAIN_OBJ + "/session/s1")

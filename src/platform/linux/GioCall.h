@@ -39,7 +39,14 @@ public:
     {
         return m_error && m_error->domain == domain && std::ranges::find(codes, m_error->code) != codes.end();
     }
-    [[nodiscard]] QString text() const { return m_error ? QString::fromUtf8(m_error->message) : QString(); }
+    /// Without the name that an error has on the bus.
+    [[nodiscard]] QString text() const
+    {
+        if (!m_error)
+            return {};
+        g_dbus_error_strip_remote_error(m_error);
+        return QString::fromUtf8(m_error->message);
+    }
 
 private:
     GError *m_error = nullptr;

@@ -27,11 +27,12 @@ constexpr const char *propertiesInterface = "org.freedesktop.DBus.Properties";
 constexpr const char *nothing = "/"; ///< the object path that the API uses for none
 
 const auto noServiceMessage =
-    u"Kestrel keeps its sign-in in the desktop's password store, but none answers. Install gnome-keyring, "
-    "KWallet (with its Secret Service switched on) or KeePassXC (with its Secret Service integration "
-    "switched "
-    "on) and log in anew; or start Kestrel with --secret-store file to keep the sign-in in a file that only "
-    "you can read."_s;
+    u"Kestrel keeps its sign-in in the desktop's password store, but none answers (%1). Where there is none, "
+    "install gnome-keyring, KWallet (with its Secret Service switched on) or KeePassXC (with its Secret "
+    "Service "
+    "integration switched on) and log in anew; or start Kestrel with --secret-store file to keep the sign-in "
+    "in "
+    "a file that only you can read."_s;
 const auto noDispatcherMessage =
     u"Kestrel cannot reach the desktop's password store, because Qt runs without GLib here. Unset "
     u"QT_NO_GLIB; "
@@ -198,7 +199,8 @@ private:
     /// Paths of the collections and items that the person was asked to unlock since they were last seen open.
     QSet<QByteArray> m_asked;
     QHash<QByteArray, Prompt *> m_prompts; ///< by path; each lives in the coroutine that waits for it
-    QStringList m_said;
+    QString m_lastFailure; ///< as the log has it, until something could be found
+    bool m_hasSaidTrouble = false; ///< since the service answered last
 };
 
 void KeyringLink::close()
@@ -311,6 +313,7 @@ QCoro::Task<std::expected<Items, SecretStatus>> KeyringLink::find(Ref link, Secr
     GList *const matches = secret_service_search_finish(service.get(), result.get(), failure.out());
     if (failure)
         co_return std::unexpected(link->statusOf(failure));
+    link->m_lastFailure.clear();
     Items open;
     Items locked;
     for (const GList *match = matches; match; match = match->next) {
@@ -400,13 +403,17 @@ QCoro::Task<SecretStatus> KeyringLink::open(Ref link)
         co_return SecretStatus::Failed;
     }
     if (failure) {
-        qCWarning(lcAuth).noquote() << "No secret service:" << errorForLog(failure.text());
         link->m_isBarred = true;
         link->m_isMissing = true;
-        link->sayTrouble(noServiceMessage);
+        link->sayTrouble(noServiceMessage.arg(errorForLog(failure.text())));
         co_return SecretStatus::Unavailable;
     }
     link->m_hasAnswered = true;
+    if (std::exchange(link->m_hasSaidTrouble, false)) {
+        qCInfo(lcAuth) << "The password store answers again";
+        link->m_isMissing = false; // a service that hung has not come anew
+        link->opened();
+    }
     co_return SecretStatus::Success;
 }
 
@@ -583,7 +590,8 @@ SecretStatus KeyringLink::statusOf(const GFailure &failure)
         m_isBarred = true;
         return SecretStatus::Locked;
     }
-    qCWarning(lcAuth).noquote() << "The secret service failed:" << errorForLog(failure.text());
+    if (const QString text = errorForLog(failure.text()); std::exchange(m_lastFailure, text) != text)
+        qCWarning(lcAuth).noquote() << "The secret service failed:" << text;
     // whatever is wrong with it, the next operation begins afresh
     m_service.reset();
     if (!isGone(failure))
@@ -596,6 +604,8 @@ SecretStatus KeyringLink::metLock(const QByteArray &path)
 {
     m_isBarred = true;
     if (!m_asked.contains(path)) {
+        if (m_asked.isEmpty())
+            qCWarning(lcAuth) << "The keyring is locked; Kestrel waits for it to be opened";
         m_asked.insert(path);
         startTask("unlock the keyring", unlock(shared_from_this(), path));
     }
@@ -604,8 +614,11 @@ SecretStatus KeyringLink::metLock(const QByteArray &path)
 
 void KeyringLink::metOpen(const QByteArray &path)
 {
-    if (m_asked.remove(path))
-        opened();
+    if (!m_asked.remove(path))
+        return;
+    if (m_asked.isEmpty())
+        qCInfo(lcAuth) << "The keyring is open";
+    opened();
 }
 
 void KeyringLink::endPrompt(const QByteArray &path, SecretStatus answer)
@@ -634,9 +647,8 @@ void KeyringLink::opened()
 
 void KeyringLink::sayTrouble(const QString &message)
 {
-    if (m_said.contains(message))
+    if (std::exchange(m_hasSaidTrouble, true))
         return;
-    m_said.append(message);
     QMetaObject::invokeMethod(
         m_store, [store = m_store, message] { Q_EMIT store->trouble(message); }, Qt::QueuedConnection);
 }
