@@ -107,6 +107,10 @@
         <source>duration.m %lld</source>
         <translation>%1 min</translation>
     </message>
+    <message id="keyring.missing">
+        <source>keyring.missing</source>
+        <translation>Kestrel no puede leer tu inicio de sesión</translation>
+    </message>
     <message id="language.english">
         <source>language.english</source>
         <translation>English</translation>

@@ -4,6 +4,7 @@
 #include "platform/Notifications.h"
 #include "platform/PreferenceStore.h"
 #include "platform/Screens.h"
+#include "platform/SecretStore.h"
 #include "platform/StatusItemHost.h"
 #include "platform/WakeTimer.h"
 #include "ui/QuickScene.h"
@@ -22,6 +23,7 @@ namespace {
 
 constexpr auto firstRunKey = "popover.hasShownInitialAutoOpen.v1"_L1;
 constexpr auto signedOutKey = "signed_out"_L1;
+constexpr auto secretsKey = "keyring.missing"_L1;
 constexpr auto unsavedKey = "preferences.unsaved"_L1;
 constexpr auto saidTrayIsMissingKey = "statusItem.saidTrayIsMissing.v1"_L1;
 
@@ -88,6 +90,8 @@ AppDelegate::AppDelegate(PreferenceStore &preferenceStore, const AuthServices &s
     });
     connect(&preferences, &Preferences::unsavedInChanged, this,
             [this, &notifications = desktop.notifications] { sayWhatIsUnsaved(notifications); });
+    m_secretsPatience.setInterval(start.secretsPatience);
+    followSecrets(services.secrets, desktop.notifications);
 
     showOnFirstRun(start.isJustInstalled);
     m_bridge.onCommand = [this](HotkeyAction action) { m_meetControls.dispatch(action); };
@@ -170,6 +174,25 @@ void AppDelegate::perform(HotkeyAction action)
         joinNextMeeting();
     else
         m_meetControls.dispatch(action);
+}
+
+void AppDelegate::followSecrets(const SecretStore &secrets, Notifications &notifications)
+{
+    m_secretsPatience.setSingleShot(true);
+    connect(&secrets, &SecretStore::trouble, this, [this](const QString &message) {
+        m_secretsTrouble = message;
+        m_secretsPatience.start();
+    });
+    connect(&m_secretsPatience, &QTimer::timeout, this, [this, &notifications] {
+        notifications.show({ .key = secretsKey,
+                             .title = qtTrId("keyring.missing"),
+                             .text = m_secretsTrouble,
+                             .actions = {} });
+    });
+    connect(&secrets, &SecretStore::opened, this, [this, &notifications] {
+        m_secretsPatience.stop();
+        notifications.close(secretsKey);
+    });
 }
 
 void AppDelegate::sayTrayIsMissing(const QString &message, Notifications &notifications)

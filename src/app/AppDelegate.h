@@ -13,6 +13,7 @@
 #include "settings/SettingsWindow.h"
 #include "streamdeck/StreamDeckBridge.h"
 #include <QObject>
+#include <QTimer>
 #include <memory>
 #include <optional>
 
@@ -30,6 +31,9 @@ public:
         QString missingClient {}; ///< what to say instead of a sign-in that cannot work; empty when it can
         quint16 bridgePort = 18424;
         std::chrono::milliseconds doctorPatience = Doctor::usualPatience;
+        /// How long a store of secrets may be missing before the person is told: at a login it may start
+        /// later.
+        std::chrono::milliseconds secretsPatience = std::chrono::seconds(20);
     };
 
     /// What it is given outlives it.
@@ -71,6 +75,7 @@ private:
     /// Once, until settings could be stored again.
     void sayWhatIsUnsaved(Notifications &notifications);
     /// Once per person, not at every login.
+    void followSecrets(const SecretStore &secrets, Notifications &notifications);
     void sayTrayIsMissing(const QString &message, Notifications &notifications);
 
     PreferenceStore &m_preferenceStore;
@@ -88,6 +93,8 @@ private:
     std::unique_ptr<GlobalHotkey> m_joinShortcut;
     StreamDeckBridge m_bridge;
     Doctor m_doctor;
+    QString m_secretsTrouble;
+    QTimer m_secretsPatience;
     bool m_appliesLater = false;
     bool m_broadcastsLater = false;
 };

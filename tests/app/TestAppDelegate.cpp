@@ -297,6 +297,21 @@ private Q_SLOTS:
         }
     }
 
+    void aMissingKeyringIsToldWhenItStaysAway()
+    {
+        google->preferences.setBoolean(u"popover.hasShownInitialAutoOpen.v1"_s, true);
+        start({ .missingClient = {}, .secretsPatience = 0ms });
+        Q_EMIT google->secrets.trouble(u"none answers"_s);
+        Q_EMIT google->secrets.opened();
+        FakeGoogle::settle();
+        QCOMPARE(desktop->notifications.shown.size(), 0);
+        Q_EMIT google->secrets.trouble(u"none answers"_s);
+        QTRY_COMPARE(desktop->notifications.open.size(), 1);
+        QCOMPARE(desktop->notifications.open.first().text, u"none answers"_s);
+        Q_EMIT google->secrets.opened();
+        QVERIFY(desktop->notifications.open.isEmpty());
+    }
+
 private:
     /// The alerts of a step with the instants at which they are presented.
     QString carryOut(const QString &what, const QString &amount, bool kernelFirst)
