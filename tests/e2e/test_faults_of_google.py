@@ -25,7 +25,7 @@ EVENTS, TOKEN = "/calendar/v3/calendars/primary/events", "/token"
 LIST = "/calendar/v3/users/me/calendarList"
 SECRETS = "org.freedesktop.secrets"
 STATUSES = [{"fault": "status", "status": status} for status in (401, 403, 410, 429, 500, 503)]
-BROKEN = [{"fault": "half"}, {"fault": "garbage"}, {"fault": "html"}, {"fault": "close"}]
+BROKEN = [{"fault": kind} for kind in ("half", "garbage", "html", "close", "huge")]
 
 
 def secret_service(data):

@@ -132,22 +132,12 @@ class SignedIn(unittest.TestCase):
         self.assertEqual(self.kestrel.json("accounts", "list"), [])
         self.assertEqual(secrets_of(self.service()), [])
 
-    def test_faults_of_one_calendar_leave_the_others_alone(self):
+    def test_a_token_expires_and_a_grant_is_revoked(self):
         kestrel = self.kestrel
         kestrel.start()
         kestrel.done("accounts", "add")
         kestrel.done("refresh")
         known = self.titles()
-        path = "/calendar/v3/calendars/primary/events"
-        for fault in ({"fault": "status", "status": 503}, {"fault": "garbage"}, {"fault": "half"}, {"fault": "close", "times": 2},
-                      {"fault": "huge"}, {"fault": "status", "status": 410}, {"fault": "status", "status": 403}):
-            with self.subTest(fault=fault):
-                # a connection that closes without an answer is tried once more by the HTTP library itself
-                self.google.post("/faults", {"path": path, "times": 1, **fault})
-                kestrel.done("refresh")
-                self.assertEqual(self.titles(), [])
-                kestrel.done("refresh")
-                self.assertEqual(self.titles(), known)
         with self.subTest("an expired access token is renewed on the way"):
             self.google.post("/expire-tokens")
             kestrel.done("refresh")
