@@ -1,19 +1,15 @@
 #include "platform/linux/BrowserSetup.h"
-#include <QCryptographicHash>
-#include <QDir>
-#include <QFile>
-#include <QFileInfo>
-#include <QJsonArray>
+#include "support/Files.h"
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QLocalServer>
 #include <QLocalSocket>
 #include <QTemporaryDir>
 #include <QTest>
-#include <QThread>
 #include <csignal>
-#include <memory>
+#include <latch>
 #include <sys/resource.h>
+#include <thread>
 #include <vector>
 
 using namespace kestrel;
@@ -25,20 +21,6 @@ namespace {
 QByteArray json(QByteArray text)
 {
     return text.replace('\'', '"');
-}
-
-QByteArray contentOf(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-void write(const QString &path, const QByteArray &content)
-{
-    QVERIFY(QDir().mkpath(QFileInfo(path).path()));
-    QFile file(path);
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    QCOMPARE(file.write(content), content.size());
 }
 
 QJsonObject jsonOf(const QString &path)
@@ -60,10 +42,9 @@ struct Home
 
     explicit Home(const QStringList &desktopIDs)
     {
-        write(places.relayProgram, "#!/bin/sh\n");
-        QFile::setPermissions(places.relayProgram, QFile::ReadOwner | QFile::ExeOwner);
+        writeProgram(places.relayProgram, "#!/bin/sh\n");
         for (const QString &name : desktopIDs)
-            write(path(u"applications/"_s + name + u".desktop"_s), "[Desktop Entry]\nExec=browser\n");
+            writeFile(path(u"applications/"_s + name + u".desktop"_s), "[Desktop Entry]\nExec=browser\n");
     }
 
     [[nodiscard]] QString path(const QString &name) const { return root.filePath(name); }
@@ -80,43 +61,6 @@ class TestBrowserSetup final : public QObject
 {
     Q_OBJECT
 private Q_SLOTS:
-    void preparesEveryBrowserThatCanBe()
-    {
-        const Home home({ u"chromium"_s, u"chromium-browser"_s, u"brave-browser"_s, u"chromium_chromium"_s,
-                          u"com.google.Chrome"_s });
-        const auto installed = home.setup().install();
-        QVERIFY(installed);
-        QStringList names;
-        for (const BrowserInstallation &browser : *installed) {
-            QCOMPARE(browser.error, QString());
-            names.append(browser.name);
-            const bool isNative = browser.packaging == Packaging::Native;
-            QCOMPARE(QFileInfo::exists(browser.manifestFile), isNative);
-        }
-        QCOMPARE(names, QStringList({ u"Google Chrome"_s, u"Chromium"_s, u"Chromium"_s, u"Brave"_s }));
-
-        const QJsonObject manifest = jsonOf(home.manifest(u"config/chromium"_s));
-        QCOMPARE(manifest["name"_L1], u"app.kestrel.kestrel"_s);
-        QCOMPARE(manifest["type"_L1], u"stdio"_s);
-        QCOMPARE(manifest["path"_L1], home.places.relayProgram);
-        // a browser makes an extension's identifier from its key
-        const QByteArray key = QByteArray::fromBase64(
-            jsonOf(home.places.extension + u"/manifest.json"_s)["key"_L1].toString().toUtf8());
-        QByteArray identifier = QCryptographicHash::hash(key, QCryptographicHash::Sha256).toHex().left(32);
-        for (char &digit : identifier)
-            digit = char('a' + QByteArray(1, digit).toInt(nullptr, 16));
-        QCOMPARE(manifest["allowed_origins"_L1],
-                 QJsonArray { u"chrome-extension://%1/"_s.arg(QString::fromLatin1(identifier)) });
-        QVERIFY(QFileInfo::exists(home.manifest(u"config/BraveSoftware/Brave-Browser"_s)));
-
-        QList<HostManifest> states;
-        for (const BrowserCondition &browser : home.setup().status().browsers)
-            states.append(browser.manifest);
-        QCOMPARE(states,
-                 QList({ HostManifest::Impossible, HostManifest::Current, HostManifest::Impossible,
-                         HostManifest::Current }));
-    }
-
     void replacesAnotherExtensionWholly()
     {
         Home home({});
@@ -135,7 +79,7 @@ private Q_SLOTS:
         QCOMPARE(QFileInfo(home.places.extension).metadataChangeTime(), changed);
 
         home.places.extensionSource = home.path(u"newer"_s);
-        write(home.places.extensionSource + u"/manifest.json"_s, json("{'version':'2.0','key':'k'}"));
+        writeFile(home.places.extensionSource + u"/manifest.json"_s, json("{'version':'2.0','key':'k'}"));
         QVERIFY(home.setup().status().shippedRevision.startsWith(u"2.0 ("_s));
         QCOMPARE(home.setup().status().installedRevision, revision);
         QVERIFY(home.setup().install());
@@ -151,8 +95,8 @@ private Q_SLOTS:
         QVERIFY(home.setup().install());
         const BrowserReport before = home.setup().status();
         home.places.extensionSource = home.path(u"newer"_s);
-        write(home.places.extensionSource + u"/manifest.json"_s,
-              json("{'version':'2.0','description':'" + QByteArray(200'000, 'x') + "'}"));
+        writeFile(home.places.extensionSource + u"/manifest.json"_s,
+                  json("{'version':'2.0','description':'" + QByteArray(200'000, 'x') + "'}"));
 
         // as on a full disk: a file takes some bytes and no more
         rlimit room {};
@@ -174,15 +118,16 @@ private Q_SLOTS:
 
     void saysWhatIsWrong()
     {
-        Home home({ u"chromium"_s, u"brave-browser"_s });
+        // the first two are one browser
+        Home home({ u"chromium"_s, u"chromium-browser"_s, u"brave-browser"_s });
         // a file where a folder must be, for one of the browsers
-        write(home.path(u"config/chromium"_s), "in the way");
+        writeFile(home.path(u"config/chromium"_s), "in the way");
         const auto installed = home.setup().install();
         QVERIFY(installed);
         QVERIFY(installed->at(0).error.contains(home.path(u"config/chromium"_s)));
         QCOMPARE(installed->at(1).error, QString());
 
-        write(home.manifest(u"config/BraveSoftware/Brave-Browser"_s), json("{'path':'/another/relay'}"));
+        writeFile(home.manifest(u"config/BraveSoftware/Brave-Browser"_s), json("{'path':'/another/relay'}"));
         QCOMPARE(home.setup().status().browsers.at(1).manifest, HostManifest::Different);
         QVERIFY(home.setup().install());
         QCOMPARE(home.setup().status().browsers.at(1).manifest, HostManifest::Current);
@@ -223,10 +168,10 @@ private Q_SLOTS:
         QFETCH(QList<bool>, found);
         const Home home({ u"chromium"_s });
         const QString folder = home.path(u"config/chromium/"_s);
-        write(folder + u"Local State"_s,
-              json("{'profile':{'info_cache':{'Default':{'name':'Work'},'Profile 1':{}}}}"));
-        write(folder + u"Default/Preferences"_s, preferences);
-        write(folder + u"Default/Secure Preferences"_s, securePreferences);
+        writeFile(folder + u"Local State"_s,
+                  json("{'profile':{'info_cache':{'Default':{'name':'Work'},'Profile 1':{}}}}"));
+        writeFile(folder + u"Default/Preferences"_s, preferences);
+        writeFile(folder + u"Default/Secure Preferences"_s, securePreferences);
 
         const QList<BrowserProfile> profiles = home.setup().status().browsers.at(0).profiles;
         QCOMPARE(profiles.size(), 2);
@@ -251,36 +196,28 @@ private Q_SLOTS:
                                             json("{'relay':2,'route':'extension'}"),
                                             "rubbish",
                                             {} };
-        QThread relays;
-        QObject context;
-        context.moveToThread(&relays);
-        relays.start();
-        std::vector<std::unique_ptr<QLocalServer>> servers;
-        QMetaObject::invokeMethod(
-            &context,
-            [&] {
-                for (qsizetype i = 0; i < greetings.size(); ++i) {
-                    auto &server = servers.emplace_back(std::make_unique<QLocalServer>());
-                    server->listen(home.places.sockets + u"/%1.sock"_s.arg(i));
-                    QObject::connect(server.get(), &QLocalServer::newConnection, server.get(),
-                                     [&greetings, i, here = server.get()] {
-                                         const auto length = quint32(greetings[i].size());
-                                         QLocalSocket *client = here->nextPendingConnection();
-                                         client->write(reinterpret_cast<const char *>(&length),
-                                                       sizeof length);
-                                         client->write(greetings[i]);
-                                         client->flush();
-                                         if (i > 1)
-                                             client->close();
-                                     });
-                }
-            },
-            Qt::BlockingQueuedConnection);
-
+        std::latch areListening(greetings.size());
+        std::vector<std::jthread> relays;
+        relays.reserve(size_t(greetings.size()));
+        for (qsizetype i = 0; i < greetings.size(); ++i) {
+            relays.emplace_back([&, i] {
+                QLocalServer server;
+                server.listen(home.places.sockets + u"/%1.sock"_s.arg(i));
+                areListening.count_down();
+                if (!server.waitForNewConnection(30'000))
+                    return;
+                QLocalSocket *client = server.nextPendingConnection();
+                const auto length = quint32(greetings[i].size());
+                client->write(reinterpret_cast<const char *>(&length), sizeof length);
+                client->write(greetings[i]);
+                client->waitForBytesWritten();
+                if (i < 2) // the others go at once
+                    client->waitForDisconnected();
+            });
+        }
+        areListening.wait();
         const BrowserReport report = home.setup().status();
-        QMetaObject::invokeMethod(&context, [&] { servers.clear(); }, Qt::BlockingQueuedConnection);
-        relays.quit();
-        relays.wait();
+        relays.clear();
 
         QCOMPARE(report.browsers.at(0).relays.size(), 1);
         QCOMPARE(report.browsers.at(0).relays[0].browserProcess, 7);

@@ -1,6 +1,5 @@
 #include "platform/linux/DesktopApplicationLookup.h"
-#include <QDir>
-#include <QFile>
+#include "support/Files.h"
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -67,13 +66,8 @@ private Q_SLOTS:
         QFETCH(QString, found);
         QTemporaryDir root;
         const QDir folder(root.path());
-        for (const QString &name : { u"own"_s, u"system"_s, u"extra"_s })
-            QVERIFY(folder.mkdir(name));
-        for (auto file = files.cbegin(); file != files.cend(); ++file) {
-            QFile written(folder.filePath(file.key()));
-            QVERIFY(written.open(QIODevice::WriteOnly));
-            written.write(*file);
-        }
+        for (auto file = files.cbegin(); file != files.cend(); ++file)
+            writeFile(folder.filePath(file.key()), *file);
         const DesktopApplicationLookup lookup(
             { folder.filePath(u"own"_s), folder.filePath(u"system"_s), folder.filePath(u"extra"_s) });
         const auto location = lookup.locationOf(bundleIdentifier);

@@ -1,6 +1,6 @@
 #include "platform/linux/DesktopUrlOpener.h"
+#include "support/Files.h"
 #include <QCoro/QCoroTask>
-#include <QFile>
 #include <QProcess>
 #include <QTemporaryDir>
 #include <QTest>
@@ -29,20 +29,16 @@ private:
     /// A browser that first writes its number of arguments and the first one to "said".
     [[nodiscard]] QString browser(const QByteArray &rest, const QString &name = u"my browser"_s) const
     {
-        QFile file(m_folder->filePath(name));
-        if (!file.open(QIODevice::WriteOnly))
-            return {};
-        file.write("#!/bin/sh\ncd '" + QFile::encodeName(m_folder->path())
-                   + "'\nprintf '%s %s' $# \"$1\" >said\n" + rest);
-        file.close();
-        file.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
-        return file.fileName();
+        const QString path = m_folder->filePath(name);
+        writeProgram(path,
+                     "#!/bin/sh\ncd '" + QFile::encodeName(m_folder->path())
+                         + "'\nprintf '%s %s' $# \"$1\" >said\n" + rest);
+        return path;
     }
 
     [[nodiscard]] QByteArray said(const QString &name = u"said"_s) const
     {
-        QFile file(m_folder->filePath(name));
-        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+        return contentOf(m_folder->filePath(name));
     }
 
     /// Lets a browser go on that reads a line from "gate".

@@ -1,7 +1,6 @@
 #include "platform/SecretText.h"
 #include "platform/linux/FileSecretStore.h"
-#include <QDir>
-#include <QFile>
+#include "support/Files.h"
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
@@ -17,19 +16,6 @@ constexpr auto onlyMine = QFile::ReadOwner | QFile::WriteOwner | QFile::ReadUser
 
 const SecretItem first { u"app.example"_s, u"google.1.refresh_token"_s };
 const SecretItem second { u"app.example"_s, u"google.2.refresh_token"_s };
-
-void put(const QString &path, const QByteArray &content)
-{
-    QFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size())
-        qFatal("the test cannot write %s", qPrintable(path));
-}
-
-QByteArray get(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("(no file)");
-}
 
 } // namespace
 
@@ -95,8 +81,7 @@ private Q_SLOTS:
     void aDamagedFileFailsUntilTheNextSignInAndIsKept()
     {
         QFETCH(QByteArray, content);
-        QVERIFY(QDir().mkpath(QFileInfo(m_path).path()));
-        put(m_path, content);
+        writeFile(m_path, content);
         FileSecretStore store(m_path);
         const QSignalSpy trouble(&store, &SecretStore::trouble);
         QCOMPARE(secret(store, first), "[-50]");
@@ -104,19 +89,19 @@ private Q_SLOTS:
         QCOMPARE(QCoro::waitFor(store.remove(first)), SecretStatus::Failed);
         QCOMPARE(trouble.size(), 1);
         QVERIFY(trouble[0][0].toString().contains(m_path));
-        QCOMPARE(get(m_path), content);
+        QCOMPARE(contentOf(m_path), content);
 
         // update, then add: as the keychain does
         QCOMPARE(QCoro::waitFor(store.update(first, "1")), SecretStatus::NotFound);
         QCOMPARE(QCoro::waitFor(store.add(first, "1")), SecretStatus::Success);
         QCOMPARE(secret(store, first), "1");
-        QCOMPARE(get(m_path + u".broken"_s), content);
+        QCOMPARE(contentOf(m_path + u".broken"_s), content);
         QCOMPARE(QFile::permissions(m_path + u".broken"_s), onlyMine);
     }
 
     void whatCannotBeWrittenFailsWithItsReason()
     {
-        put(m_folder->filePath(u"data"_s), "a file where the folder should be");
+        writeFile(m_folder->filePath(u"data"_s), "a file where the folder should be");
         FileSecretStore store(m_path);
         const QSignalSpy trouble(&store, &SecretStore::trouble);
         QCOMPARE(QCoro::waitFor(store.add(first, "1")), SecretStatus::Failed);

@@ -338,6 +338,10 @@ private Q_SLOTS:
         QTest::newRow("half a packed chunk")
             << "HTTP/1.1 200 OK\r\nContent-Encoding: gzip\r\nTransfer-Encoding: chunked\r\n\r\na\r\n"
                 + gzipped("half an answer").first(5);
+        QByteArray wrong = gzipped("whose checksum is wrong");
+        wrong.replace(wrong.size() - 8, 4, "\1\2\3\4");
+        QTest::newRow("packed wrongly") << "HTTP/1.1 200 OK\r\nContent-Encoding: gzip\r\nContent-Length: "
+                + QByteArray::number(wrong.size()) + "\r\n\r\n" + wrong;
         QTest::newRow("packed otherwise")
             << "HTTP/1.1 200 OK\r\nContent-Encoding: br\r\nContent-Length: 1\r\n\r\n0"_ba;
     }

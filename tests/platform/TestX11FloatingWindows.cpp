@@ -1,15 +1,14 @@
 #include "platform/linux/DesktopScreens.h"
 #include "platform/linux/X11FloatingWindows.h"
-#include <QFile>
+#include "support/Files.h"
+#include "support/Person.h"
 #include <QGuiApplication>
 #include <QKeyEvent>
 #include <QPainter>
-#include <QProcess>
 #include <QRasterWindow>
 #include <QScreen>
 #include <QSignalSpy>
 #include <QTemporaryDir>
-#include <QTest>
 
 using namespace kestrel;
 using namespace Qt::StringLiterals;
@@ -44,12 +43,6 @@ public:
     QList<int> keys;
 };
 
-/// Plays the person.
-void xdotool(const QString &arguments)
-{
-    QCOMPARE(QProcess::execute(u"xdotool"_s, arguments.split(u' ')), 0);
-}
-
 /// What can be seen there, whoever draws it.
 QColor seenAt(QPoint point)
 {
@@ -57,12 +50,6 @@ QColor seenAt(QPoint point)
         ->grabWindow(0, point.x(), point.y(), 1, 1)
         .toImage()
         .pixelColor(0, 0);
-}
-
-QByteArray contents(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
 } // namespace
@@ -82,6 +69,18 @@ class TestX11FloatingWindows final : public QObject
                            + QStringList { u"-e"_s, u"cat > %1"_s.arg(file) });
         xdotool(u"search --sync --onlyvisible --name ^typed$ windowactivate --sync"_s);
         QTRY_VERIFY(QFile::exists(file));
+    }
+
+    /// With an input region that leaves the edges out.
+    static void showOver(Sheet &below, Sheet &sheet, X11FloatingWindows &windows, FloatingWindows::Kind kind)
+    {
+        below.show();
+        windows.prepare(sheet, kind);
+        windows.setInputRegion(sheet, QRect(20, 20, 260, 60));
+        sheet.show();
+        windows.shown(sheet, kind);
+        QTRY_COMPARE(seenAt(place.center()), sheet.color);
+        QTRY_COMPARE(seenAt(place.topLeft() + QPoint(5, 5)), below.color); // no compositor: cut away
     }
 
     static void end(QProcess &process)
@@ -109,7 +108,7 @@ private Q_SLOTS:
         QCOMPARE(card.position(), place.topLeft());
         xdotool(u"type after"_s);
         xdotool(u"key Return"_s);
-        QTRY_COMPARE(contents(typed), "beforeafter\n");
+        QTRY_COMPARE(contentOf(typed), "beforeafter\n");
         QVERIFY(card.keys.isEmpty());
 
         xdotool(u"mousemove 1100 90 click 1"_s);
@@ -121,7 +120,7 @@ private Q_SLOTS:
         xdotool(u"search --sync --name ^typed$ windowfocus --sync"_s);
         xdotool(u"type again"_s);
         xdotool(u"key Return"_s);
-        QTRY_COMPARE(contents(typed), "beforeafter\nagain\n");
+        QTRY_COMPARE(contentOf(typed), "beforeafter\nagain\n");
         end(terminal);
     }
 
@@ -149,16 +148,10 @@ private Q_SLOTS:
 
     void clicksOutsideTheInputRegionReachWhatIsBelow()
     {
-        X11FloatingWindows windows;
         Sheet below(QRect(900, 20, 500, 300), Qt::white);
-        below.show();
         Sheet card(place, red);
-        windows.prepare(card, FloatingWindows::Kind::Card);
-        windows.setInputRegion(card, QRect(20, 20, 260, 60));
-        card.show();
-        windows.shown(card, FloatingWindows::Kind::Card);
-        QTRY_COMPARE(seenAt(place.center()), red);
-        QTRY_COMPARE(seenAt(place.topLeft() + QPoint(5, 5)), QColor(Qt::white)); // no compositor: cut away
+        X11FloatingWindows windows;
+        showOver(below, card, windows, FloatingWindows::Kind::Card);
 
         QVERIFY(windows.canWatchPresses());
         QSignalSpy pressed(&windows, &FloatingWindows::pressed);
@@ -183,16 +176,10 @@ private Q_SLOTS:
 
     void theMouseGoesThroughAHud()
     {
-        X11FloatingWindows windows;
         Sheet below(QRect(900, 20, 500, 300), Qt::white);
-        below.show();
         Sheet hud(place, red);
-        windows.prepare(hud, FloatingWindows::Kind::Hud);
-        windows.setInputRegion(hud, QRect(20, 20, 260, 60));
-        hud.show();
-        windows.shown(hud, FloatingWindows::Kind::Hud);
-        QTRY_COMPARE(seenAt(place.center()), red);
-        QTRY_COMPARE(seenAt(place.topLeft() + QPoint(5, 5)), QColor(Qt::white)); // no compositor: cut away
+        X11FloatingWindows windows;
+        showOver(below, hud, windows, FloatingWindows::Kind::Hud);
         xdotool(u"mousemove 1100 90 click 1"_s);
         QTRY_COMPARE(below.presses, 1);
         QCOMPARE(hud.presses, 0);

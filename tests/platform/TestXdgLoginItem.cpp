@@ -1,7 +1,5 @@
 #include "platform/linux/XdgLoginItem.h"
-#include <QDir>
-#include <QFile>
-#include <QFileInfo>
+#include "support/Files.h"
 #include <QTemporaryDir>
 #include <QTest>
 #include <gio/gdesktopappinfo.h>
@@ -23,13 +21,9 @@ private:
     /// A program that leaves "<its path>.started" behind.
     [[nodiscard]] QString program(const QString &name) const
     {
-        QFile file(m_folder->filePath(name));
-        if (!file.open(QIODevice::WriteOnly))
-            return {};
-        file.write("#!/bin/sh\ntest $# -eq 0 && : >\"$0.started\"\n");
-        file.close();
-        file.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
-        return file.fileName();
+        const QString path = m_folder->filePath(name);
+        writeProgram(path, "#!/bin/sh\ntest $# -eq 0 && : >\"$0.started\"\n");
+        return path;
     }
 
 private Q_SLOTS:
@@ -87,16 +81,11 @@ private Q_SLOTS:
     {
         XdgLoginItem item(autostart(), program(u"kestrel"_s));
         QVERIFY(item.setEnabled(true));
-        QFile file(entry());
-        QVERIFY(file.open(QIODevice::ReadWrite));
-        QByteArray content = file.readAll().replace("X-GNOME-Autostart-enabled=true", "Hidden=true");
-        file.resize(0);
-        file.seek(0);
-        file.write(content);
-        file.close();
+        const QByteArray content =
+            contentOf(entry()).replace("X-GNOME-Autostart-enabled=true", "Hidden=true");
+        writeFile(entry(), content);
         QVERIFY(!item.setEnabled(true));
-        QVERIFY(file.open(QIODevice::ReadOnly));
-        QCOMPARE(file.readAll(), content);
+        QCOMPARE(contentOf(entry()), content);
 
         QVERIFY(item.setEnabled(false));
         QVERIFY(item.setEnabled(true));
