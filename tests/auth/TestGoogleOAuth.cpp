@@ -28,12 +28,6 @@ QByteArray base64Url(const QByteArray &bytes)
     return bytes.toBase64(QByteArray::Base64UrlEncoding | QByteArray::OmitTrailingEquals);
 }
 
-/// The decoded items of a form or query, in order.
-QList<std::pair<QString, QString>> itemsOf(const QString &encoded)
-{
-    return QUrlQuery(encoded).queryItems(QUrl::FullyDecoded);
-}
-
 QByteArray storedAccessToken(const QByteArray &token, const QByteArray &expiresAt)
 {
     return "{\"token\":\"" + token + "\",\"expiresAt\":\"" + expiresAt + "\"}";
@@ -173,25 +167,19 @@ private Q_SLOTS:
         const QUrl asked = m_opener->opened.value(0);
         QCOMPARE(asked.adjusted(QUrl::RemoveQuery).toString(),
                  u"https://accounts.google.com/o/oauth2/v2/auth"_s);
-        const auto query = itemsOf(asked.query(QUrl::FullyEncoded));
-        const QString redirect = query.value(1).second;
-        const QString challenge = query.value(4).second;
-        const QString state = query.value(6).second;
-        const QList<std::pair<QString, QString>> expected {
-            { u"client_id"_s, u"id.example"_s },
-            { u"redirect_uri"_s, redirect },
-            { u"response_type"_s, u"code"_s },
-            { u"scope"_s,
-              u"https://www.googleapis.com/auth/calendar.events.readonly "
-              "https://www.googleapis.com/auth/calendar.readonly openid email"_s },
-            { u"code_challenge"_s, challenge },
-            { u"code_challenge_method"_s, u"S256"_s },
-            { u"state"_s, state },
-            { u"access_type"_s, u"offline"_s },
-            { u"prompt"_s, u"consent"_s },
-            { u"include_granted_scopes"_s, u"true"_s },
+        const QUrlQuery query(asked);
+        const auto item = [&query](const QString &name) {
+            return query.queryItemValue(name, QUrl::FullyDecoded);
         };
-        QCOMPARE(query, expected);
+        const QString redirect = item(u"redirect_uri"_s);
+        const QString challenge = item(u"code_challenge"_s);
+        const QString state = item(u"state"_s);
+        QCOMPARE(asked.query(QUrl::FullyEncoded),
+                 u"client_id=id.example&redirect_uri=%1&response_type=code"
+                 "&scope=https://www.googleapis.com/auth/calendar.events.readonly%20"
+                 "https://www.googleapis.com/auth/calendar.readonly%20openid%20email&code_challenge=%2"
+                 "&code_challenge_method=S256&state=%3&access_type=offline&prompt=consent"
+                 "&include_granted_scopes=true"_s.arg(redirect, challenge, state));
         for (const QString &random : { challenge, state })
             QVERIFY(QRegularExpression(u"^[A-Za-z0-9_-]{43}$"_s).match(random).hasMatch());
         QVERIFY(QRegularExpression(u"^http://127\\.0\\.0\\.1:[1-9][0-9]*/callback$"_s)
@@ -211,13 +199,10 @@ private Q_SLOTS:
         QCOMPARE(verifier.size(), 86);
         QCOMPARE(challenge.toLatin1(),
                  base64Url(QCryptographicHash::hash(verifier.toLatin1(), QCryptographicHash::Sha256)));
-        const QList<std::pair<QString, QString>> form { { u"grant_type"_s, u"authorization_code"_s },
-                                                        { u"code"_s, u"the/code"_s },
-                                                        { u"code_verifier"_s, verifier },
-                                                        { u"client_id"_s, u"id.example"_s },
-                                                        { u"client_secret"_s, u"client-secret"_s },
-                                                        { u"redirect_uri"_s, redirect } };
-        QCOMPARE(itemsOf(QString::fromLatin1(exchange.body)), form);
+        QCOMPARE(exchange.body,
+                 "grant_type=authorization_code&code=the/code&code_verifier=" + verifier.toLatin1()
+                     + "&client_id=id.example&client_secret=client-secret&redirect_uri="
+                     + redirect.toLatin1());
 
         const HttpRequest userInfo = m_transport->requests[1];
         QCOMPARE(userInfo.url, QUrl(u"https://openidconnect.googleapis.com/v1/userinfo"_s));
@@ -547,24 +532,6 @@ private Q_SLOTS:
                 QCOMPARE(**failure, u"Not signed in"_s);
             }
         }
-    }
-
-    void mayGoWhileTheBrowserIsAway()
-    {
-        m_opener->onOpen = {};
-        auto oauth = account();
-        const auto signedIn = started(oauth->signIn());
-        QCOMPARE(m_opener->opened.size(), 1);
-        const QUrl redirect(
-            QUrlQuery(m_opener->opened[0]).queryItemValue(u"redirect_uri"_s, QUrl::FullyDecoded));
-
-        oauth.reset();
-
-        QTRY_VERIFY(*signedIn);
-        QCOMPARE(failureOf(**signedIn), u"Not signed in"_s);
-        QTcpSocket late;
-        late.connectToHost(redirect.host(), static_cast<quint16>(redirect.port()));
-        QTRY_COMPARE(late.error(), QAbstractSocket::ConnectionRefusedError);
     }
 };
 

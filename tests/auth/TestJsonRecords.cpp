@@ -53,7 +53,8 @@ private Q_SLOTS:
     void readsStoredAccessTokens_data()
     {
         QTest::addColumn<bool>("isGood");
-        QTest::newRow(R"({"expiresAt":"2025-03-01T09:30:00Z","token":"t"})") << true;
+        const AccessToken written { u"t"_s, *parseInternetDateTime(u"2025-03-01T09:30:00.999Z") };
+        QTest::newRow(written.toJson().constData()) << true;
         for (const char *bad : { "1//abc", R"({"token":"t"})", R"({"expiresAt":"2025-03-01T09:30:00Z"})",
                                  R"({"token":"t","expiresAt":"2025-03-01T09:30:00.5Z"})",
                                  R"({"token":"t","expiresAt":"2025-03-01T09:30:00"})",
