@@ -35,17 +35,6 @@ class TestAccountRegistry : public QObject
 {
     Q_OBJECT
 private Q_SLOTS:
-    void addedAccountsSurviveARestart()
-    {
-        FakePreferenceStore store;
-        AccountRegistry registry(store);
-        QVERIFY(registry.accounts().isEmpty());
-        registry.add(makeAccount(u"A"_s));
-        registry.add(makeAccount(u"B"_s, {}));
-        QCOMPARE(AccountRegistry(store).accounts(), registry.accounts());
-        QVERIFY(!store.data(key)->contains("null"));
-    }
-
     void oneBadRecordLosesTheWholeList_data()
     {
         const QByteArray good = record(R"("meetLaunchMode":"tab",)");
@@ -99,21 +88,6 @@ private Q_SLOTS:
         }
         QCOMPARE(registry.account(u"A"_s)->calendarColorOverrides.value(u"primary"_s), u"#222222"_s);
         QCOMPARE(registry.accounts().at(1), makeAccount(u"A"_s));
-    }
-
-    void editsAreAnnouncedBeforeTheyAreSaved()
-    {
-        FakePreferenceStore store;
-        AccountRegistry registry(store);
-        QList<qsizetype> announced;
-        connect(&registry, &AccountRegistry::accountsChanged, this, [&] {
-            announced.append(registry.accounts().size());
-            QCOMPARE(store.writes, static_cast<int>(announced.size()) - 1);
-        });
-        registry.add(makeAccount(u"A"_s));
-        registry.remove(u"A"_s);
-        QCOMPARE(announced, (QList<qsizetype> { 1, 0 }));
-        QCOMPARE(store.writes, 2);
     }
 
     void followsAnotherProcess_data()

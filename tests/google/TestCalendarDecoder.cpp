@@ -12,18 +12,12 @@ QByteArray eventsList(const QByteArray &event)
     return R"({"items": [{"id": "0"}, )" + event + "]}";
 }
 
-Instant at(QStringView text)
-{
-    return parseInternetDateTime(text).value();
-}
-
 } // namespace
 
 class TestCalendarDecoder final : public QObject
 {
     Q_OBJECT
 private Q_SLOTS:
-    void readsAllOfAnEvent();
     void takesNullAndAbsenceForTheSame();
     void keepsTextsApart();
     void readsTheCalendarList();
@@ -35,63 +29,6 @@ private Q_SLOTS:
     void refusesWhatIsNoJson();
     void worksOnAfterAHugeAnswer();
 };
-
-void TestCalendarDecoder::readsAllOfAnEvent()
-{
-    const auto answer = decodeEventsList(R"({
-        "kind": "calendar#events", "nextPageToken": "p2", "nextSyncToken": "s1", "defaultReminders": [{"minutes": 10}],
-        "items": [{
-            "kind": "calendar#event", "sequence": 3, "extendedProperties": {"private": {"id": 1}},
-            "id": "e1", "status": "confirmed", "summary": "Año nuevo \ud83c\udf89\n", "description": "<p>\u0026amp;</p>",
-            "location": "Room 5", "htmlLink": "https://calendar.example.org/e1",
-            "start": {"dateTime": "2025-03-01T09:30:00Z", "timeZone": "Europe/Madrid"},
-            "end": {"date": "2025-03-02"},
-            "attendees": [
-                {"email": "ana@example.com", "displayName": "Ana", "responseStatus": "accepted", "organizer": true, "self": false},
-                {"resource": true}
-            ],
-            "organizer": {"email": "ana@example.com", "displayName": "Ana", "self": true},
-            "hangoutLink": "https://meet.google.com/abc-defg-hij",
-            "conferenceData": {
-                "entryPoints": [{"entryPointType": "video", "uri": "https://meet.google.com/abc-defg-hij", "label": "meet"}],
-                "conferenceSolution": {"name": "Google Meet", "iconUri": "https://icons.example.org/m.png"}
-            }
-        }]
-    })"_ba);
-    QVERIFY2(answer, qPrintable(answer.error().description));
-    QCOMPARE(answer->nextPageToken, u"p2"_s);
-    QCOMPARE(answer->nextSyncToken, u"s1"_s);
-    QCOMPARE(answer->items.size(), 1);
-
-    const Google::Event &event = answer->items.first();
-    QCOMPARE(event.id, u"e1"_s);
-    QCOMPARE(event.status, u"confirmed"_s);
-    QCOMPARE(event.summary, u"Año nuevo 🎉\n"_s);
-    QCOMPARE(event.description, u"<p>&amp;</p>"_s);
-    QCOMPARE(event.location, u"Room 5"_s);
-    QCOMPARE(event.htmlLink, u"https://calendar.example.org/e1"_s);
-    QCOMPARE(event.start.value().dateTime, at(u"2025-03-01T09:30:00Z"));
-    QCOMPARE(event.start->timeZone, u"Europe/Madrid"_s);
-    QVERIFY(!event.start->date);
-    QCOMPARE(event.end.value().date, u"2025-03-02"_s);
-    QVERIFY(!event.end->dateTime);
-    QCOMPARE(event.attendees.value().size(), 2);
-    const Google::Attendee &ana = event.attendees->first();
-    QCOMPARE(ana.email, u"ana@example.com"_s);
-    QCOMPARE(ana.displayName, u"Ana"_s);
-    QCOMPARE(ana.responseStatus, u"accepted"_s);
-    QCOMPARE(ana.organizer, true);
-    QCOMPARE(ana.self, false);
-    const Google::Attendee &room = event.attendees->last();
-    QVERIFY(!room.email && !room.displayName && !room.responseStatus && !room.organizer && !room.self);
-    QCOMPARE(event.organizer.value().email, u"ana@example.com"_s);
-    QCOMPARE(event.hangoutLink, u"https://meet.google.com/abc-defg-hij"_s);
-    const Google::ConferenceData &conference = event.conferenceData.value();
-    QCOMPARE(conference.entryPoints.value().size(), 1);
-    QCOMPARE(conference.entryPoints->first().entryPointType, u"video"_s);
-    QCOMPARE(conference.entryPoints->first().uri, u"https://meet.google.com/abc-defg-hij"_s);
-    QCOMPARE(conference.conferenceSolution.value().name, u"Google Meet"_s);
-}
 
 void TestCalendarDecoder::takesNullAndAbsenceForTheSame()
 {

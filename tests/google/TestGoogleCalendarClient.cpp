@@ -184,14 +184,6 @@ private Q_SLOTS:
         QCOMPARE(transport.requests.last().headers.first().second, "Bearer fresh");
     }
 
-    void failedRefreshIsTheFailure()
-    {
-        Account account;
-        account.google.transport.answer(FakeGoogle::eventsPath(), http(401));
-        account.google.transport.answer(u"/token"_s, 503, "busy");
-        QCOMPARE(description(account.primaryEvents().error()), u"Refresh failed (503): busy"_s);
-    }
-
     void offlineReadsAskForNoTokenAndTheNewerTakesTheOldersPlace()
     {
         Account account;

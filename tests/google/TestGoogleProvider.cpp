@@ -46,22 +46,6 @@ class TestGoogleProvider : public QObject
 {
     Q_OBJECT
 private Q_SLOTS:
-    void withoutSelectionThePrimaryCalendarIsRead()
-    {
-        Provider account;
-        account.google.answerEvents(u"primary"_s, { { u"one"_s } });
-        const auto meetings = QCoro::waitFor(account.fetch({}));
-        QVERIFY(meetings);
-        QCOMPARE(account.google.transport.requests.size(), 1);
-        QCOMPARE(meetings->size(), 1);
-        const Meeting &meeting = meetings->first();
-        QCOMPARE(meeting.id, u"A:one"_s);
-        QCOMPARE(meeting.accountID, u"A"_s);
-        QCOMPARE(meeting.calendarID, u"primary"_s);
-        QCOMPARE(meeting.accountEmail, u"a@example.com"_s);
-        QCOMPARE(meeting.accountMeetLaunchMode, account.registry.account(u"A"_s)->meetLaunchMode);
-    }
-
     void colorIsTheOverrideElseTheProviders_data()
     {
         QTest::addColumn<QString>("calendarID");
@@ -153,18 +137,6 @@ private Q_SLOTS:
         QCOMPARE(said,
                  (QStringList { notFound, failed + u"HTTP 500: down"_s,
                                 u"Fetching <private> for account A works again"_s, notFound }));
-    }
-
-    void listedCalendarsArePublished()
-    {
-        Provider account;
-        account.google.transport.answer(calendarListPath, 200, calendarList);
-        const QSignalSpy changed(account.provider.get(), &GoogleProvider::calendarsByAccountChanged);
-        const auto calendars = QCoro::waitFor(account.provider->loadCalendars(u"A"_s));
-        QCOMPARE(account.provider->calendarsByAccount().value(u"A"_s), *calendars);
-        QCOMPARE(calendars->size(), 3);
-        QCOMPARE(calendars->at(1), (ProviderCalendar { u"ada@example.com"_s, u"Ada"_s, true, u"#0000ff"_s }));
-        QCOMPARE(changed.count(), 1);
     }
 
     void signInRegistersAnAccountWhoseSessionIsThere()
