@@ -12,6 +12,7 @@
 #include "support/FakePreferenceStore.h"
 #include "support/FakeScreens.h"
 #include "support/FakeUrlOpener.h"
+#include "support/MakeMeeting.h"
 #include "ui/Theme.h"
 #include <QTranslator>
 
@@ -49,12 +50,8 @@ struct Desk
     [[nodiscard]] Meeting meeting(const QString &id, double start, double end,
                                   const QString &host = QStringLiteral("meet.google.com")) const
     {
-        Meeting made;
-        made.id = id;
-        made.accountID = account;
-        made.title = id;
-        made.start = clock.now() + secondsSpan(start * 60);
-        made.end = clock.now() + secondsSpan(end * 60);
+        Meeting made = makeMeeting(id, clock.now() + secondsSpan(start * 60),
+                                   clock.now() + secondsSpan(end * 60), account);
         if (!host.isEmpty()) {
             made.meetingURL = QUrl(QStringLiteral("https://%1/%2").arg(host, id));
             made.platform = classifyPlatform(*made.meetingURL);

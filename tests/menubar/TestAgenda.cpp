@@ -111,6 +111,8 @@ void TestAgenda::sortsTheDayIntoSections_data()
     QTest::newRow("over, and of no length")
         << Rows { { -30, -20 }, { 0, 0 }, { 5, 5 }, { 9, 10 } } << 0 << QStringList { u"2"_s }
         << QStringList { u"3"_s } << false << 68;
+    QTest::newRow("over before it would start")
+        << Rows { { 5, -3 }, { 9, 10 } } << 0 << QStringList { u"1"_s } << QStringList() << false << 8;
     Rows many { { 1, 2 } };
     QStringList rest;
     for (int row = 1; row <= 10; ++row) {

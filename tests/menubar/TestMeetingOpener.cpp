@@ -12,7 +12,6 @@ private Q_SLOTS:
     void handsTheRightAddressToTheRightBrowser();
     void sizesTheAppWindowByPreferencesOrScreen_data();
     void sizesTheAppWindowByPreferencesOrScreen();
-    void opensForTheMeetingsAccount();
 };
 
 namespace {
@@ -116,17 +115,6 @@ void TestMeetingOpener::sizesTheAppWindowByPreferencesOrScreen()
     const QRect frame = screen.isValid() ? QRect(QPoint(), screen) : QRect();
     desk.screens.setFrames(frame, frame);
     QTEST(desk.opener.popupWindowSize(), "expected");
-}
-
-void TestMeetingOpener::opensForTheMeetingsAccount()
-{
-    Desk desk;
-    const QUrl url(u"https://meet.google.com/abc"_s);
-    desk.opener.openForAccount(url, desk.account);
-    desk.opener.openForAccount(url, u"google:2"_s);
-    desk.opener.openForAccount(url, {});
-    const QUrl named(u"https://meet.google.com/abc?authuser=ann%2Bwork@example.com"_s);
-    QCOMPARE(desk.browser.opened, (QList { named, url, url }));
 }
 
 QTEST_MAIN(TestMeetingOpener)

@@ -80,6 +80,12 @@ private Q_SLOTS:
             u"whereby https://a-b.c.whereby.com/ana"_s);
         row("a longer label before Whereby's domain", u"https://notwhereby.com/ana)"_s, {},
             u"whereby https://notwhereby.com/ana"_s);
+        row("Whereby anywhere in the host", u"https://whereby.com.example.org/x"_s, {},
+            u"whereby https://whereby.com.example.org/x"_s);
+        row("Zoom only at the end of it", u"https://zoom.us.example.org/x"_s, {},
+            u"other:zoom.us.example.org https://zoom.us.example.org/x"_s);
+        row("Around has no platform of its own", u"https://meet.around.co/r/x"_s, {},
+            u"other:meet.around.co https://meet.around.co/r/x"_s);
         row("no path, no platform", u"https://whereby.com/ https://whereby.com/ana"_s, {},
             u"whereby https://whereby.com/ana"_s);
         row("long s and Kelvin sign", u"https://\u212a.zoom.u\u017f/j/1/x"_s, {},
