@@ -62,30 +62,6 @@ private Q_SLOTS:
         if (!accepted)
             QVERIFY(!line.error().isEmpty());
     }
-
-    void survivesTheHandOver()
-    {
-        const auto line = CommandLine::parse({ u"kestrel"_s, u"accounts"_s, u"list"_s, u"--json"_s });
-        QVERIFY(line);
-
-        const auto again = CommandLine::parse(QStringList { u"kestrel"_s } + line->forHandOver());
-
-        QVERIFY(again);
-        QCOMPARE(again->verb, u"accounts"_s);
-        QCOMPARE(again->arguments, QStringList { u"list"_s });
-        QVERIFY(again->json);
-    }
-
-    void takesFoldersFromTheEnvironmentUnlessGiven()
-    {
-        qputenv("KESTREL_DATA", "from-environment");
-        const auto fromEnvironment = CommandLine::parse({ u"kestrel"_s, u"agenda"_s });
-        const auto given = CommandLine::parse({ u"kestrel"_s, u"agenda"_s, u"--data"_s, u"given"_s });
-        qunsetenv("KESTREL_DATA");
-
-        QCOMPARE(fromEnvironment.value().dataFolder, u"from-environment"_s);
-        QCOMPARE(given.value().dataFolder, u"given"_s);
-    }
 };
 
 QTEST_GUILESS_MAIN(TestCommandLine)

@@ -1,6 +1,4 @@
 #include "hotkeys/Hotkey.h"
-#include "hotkeys/HotkeyAction.h"
-#include <QSet>
 #include <QTest>
 
 using namespace Qt::StringLiterals;
@@ -52,25 +50,6 @@ private Q_SLOTS:
     {
         QFETCH(Hotkey, hotkey);
         QTEST(hotkey.displayParts().join(u' '), "shown");
-    }
-
-    void actionsHaveTheirOwnNamesKeysAndShortcuts()
-    {
-        QSet<quint32> identifiers;
-        QSet<QString> keys;
-        QStringList shortcuts;
-        for (const HotkeyActionRow &action : hotkeyActions()) {
-            QCOMPARE(hotkeyActionFromRaw(QString(action.rawValue)), action.action);
-            QCOMPARE(row(action.action).rawValue, action.rawValue);
-            identifiers.insert(action.identifier);
-            keys.insert(action.preferenceKey);
-            shortcuts.append(action.defaultHotkey.displayParts().join(QString()));
-        }
-        QCOMPARE(identifiers.size(), 17);
-        QCOMPARE(keys.size(), 17);
-        QCOMPARE(shortcuts.join(u' '),
-                 u"⇧⌘J ⌥⇧M ⌥⇧C ⌥⇧H ⌥⇧F ⌥⇧S ⌥⇧L ⌃⌥⇧1 ⌃⌥⇧2 ⌃⌥⇧3 ⌃⌥⇧4 ⌃⌥⇧5 ⌃⌥⇧6 ⌃⌥⇧7 ⌃⌥⇧8 ⌃⌥⇧9 ⌃⌥⇧0"_s);
-        QVERIFY(!hotkeyActionFromRaw(u"meetmute"));
     }
 };
 

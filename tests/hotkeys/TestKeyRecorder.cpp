@@ -1,10 +1,10 @@
 #include "hotkeys/HotkeyDispatcher.h"
 #include "hotkeys/KeyRecorder.h"
+#include "support/EnglishTexts.h"
 #include "support/FakeKeyMonitor.h"
 #include "support/FakeShortcutBackend.h"
 #include <QSignalSpy>
 #include <QTest>
-#include <QTranslator>
 #include <optional>
 
 using namespace Qt::StringLiterals;
@@ -21,7 +21,7 @@ class TestKeyRecorder final : public QObject
     HotkeyDispatcher m_dispatcher { m_backend };
     FakeKeyMonitor m_monitor;
     std::optional<KeyRecorder> m_recorder;
-    QTranslator m_translator;
+    EnglishTexts m_texts;
 
     /// Whether it records, and the application and the desktop know.
     [[nodiscard]] bool records() const
@@ -35,11 +35,6 @@ class TestKeyRecorder final : public QObject
     }
 
 private Q_SLOTS:
-    void initTestCase()
-    {
-        QVERIFY(m_translator.load(u":/i18n/kestrel_en.qm"_s));
-        QCoreApplication::installTranslator(&m_translator);
-    }
     void init()
     {
         m_recorder.emplace(m_dispatcher, m_monitor);
