@@ -1,8 +1,7 @@
 #include "hotkeys/HotkeyAction.h"
 #include "streamdeck/StreamDeckBridge.h"
 #include "streamdeck/plugin/DeckActions.h"
-#include <QDir>
-#include <QFile>
+#include "support/Files.h"
 #include <QImage>
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -26,17 +25,14 @@ const QDir folder(QStringLiteral(PLUGIN_FOLDER));
 
 QJsonObject manifest()
 {
-    QFile file(folder.filePath(u"manifest.json"_s));
-    return file.open(QIODevice::ReadOnly) ? QJsonDocument::fromJson(file.readAll()).object() : QJsonObject();
+    return QJsonDocument::fromJson(contentOf(folder.filePath(u"manifest.json"_s))).object();
 }
 
 /// What the deck is sent to show an image.
 QString imageText(const QString &name)
 {
-    QFile file(folder.filePath(u"images/%1@2x.png"_s.arg(name)));
-    return file.open(QIODevice::ReadOnly)
-        ? u"data:image/png;base64,"_s + QString::fromLatin1(file.readAll().toBase64())
-        : u"no image"_s;
+    return u"data:image/png;base64,"_s
+        + QString::fromLatin1(contentOf(folder.filePath(u"images/%1@2x.png"_s.arg(name))).toBase64());
 }
 
 /// The Stream Deck program, which starts the plug-in as the manifest says.
@@ -264,16 +260,10 @@ private Q_SLOTS:
         QTRY_COMPARE(deck.shown(u"n"_s, { u"next-on"_s }), u"next-on"_s);
         deck.tell(u"keyDown"_s, u"n"_s, next);
         QTRY_COMPARE(deck.alerts(), 1); // not installed
-        QFile program(path.filePath(u"kestrel"_s));
-        QVERIFY(program.open(QIODevice::WriteOnly));
-        program.write("#!/bin/sh\necho \"$*\" > \"" + joined.toUtf8() + "\"\n");
-        program.close();
-        QVERIFY(program.setPermissions(QFile::ReadOwner | QFile::ExeOwner));
+        writeProgram(path.filePath(u"kestrel"_s), "#!/bin/sh\necho \"$*\" > \"" + joined.toUtf8() + "\"\n");
         deck.tell(u"keyDown"_s, u"n"_s, next);
         QTRY_COMPARE(QFileInfo(joined).size(), 5);
-        QFile written(joined);
-        QVERIFY(written.open(QIODevice::ReadOnly));
-        QCOMPARE(written.readAll(), "join\n");
+        QCOMPARE(contentOf(joined), "join\n");
         QCOMPARE(deck.alerts(), 1);
     }
 };

@@ -1,5 +1,4 @@
 #include "base/Log.h"
-#include "streamdeck/MaskCheck.h"
 #include "streamdeck/PeerOwner.h"
 #include "streamdeck/RawClient.h"
 #include "streamdeck/StreamDeckBridge.h"
@@ -109,13 +108,6 @@ private Q_SLOTS:
         QTRY_COMPARE(late.received.size(), 2);
     }
 
-    void withoutAStateItOnlySaysHello()
-    {
-        bridge->stateProvider = {};
-        DeckClient client(port);
-        QTRY_COMPARE(client.received, QStringList(u"{\"type\":\"hello\"}"_s));
-    }
-
     void aBroadcastToNobodyIsNotRemembered()
     {
         bridge->broadcast({ .inMeeting = true });
@@ -123,19 +115,6 @@ private Q_SLOTS:
         QTRY_COMPARE(client.received.size(), 1);
         bridge->broadcast({ .inMeeting = true });
         QTRY_COMPARE(client.received.size(), 2);
-    }
-
-    void everyActionIsACommand()
-    {
-        DeckClient client(port);
-        QTRY_COMPARE(client.received.size(), 1);
-        QList<HotkeyAction> sent;
-        for (const auto &row : hotkeyActions()) {
-            client.socket.sendTextMessage(u"{\"cmd\":\"%1\"}"_s.arg(row.rawValue));
-            sent.append(row.action);
-        }
-        QTRY_COMPARE(actions, sent);
-        QVERIFY(s_log.contains(u"cmd: meetShareScreen"_s));
     }
 
     void whatIsNoCommandIsLogged_data()
@@ -210,24 +189,6 @@ private Q_SLOTS:
         QCOMPARE(s_log.contains(u"malformed message"_s), closeCode == 1007);
         bridge->broadcast({ .inMeeting = true });
         QTRY_COMPARE(other.received.size(), 2);
-    }
-
-    void masksAreFoundHoweverTheStreamIsCut()
-    {
-        QByteArray stream;
-        for (const qsizetype size : { 0, 5, 125, 126, 300 })
-            stream += frame(Text, QByteArray(size, '\x7f'));
-        for (qsizetype cut = 0; cut <= stream.size(); ++cut) {
-            MaskCheck check;
-            QVERIFY(check.take(QByteArrayView(stream).first(cut)));
-            QVERIFY(check.take(QByteArrayView(stream).sliced(cut)));
-            QVERIFY(!check.take(frame(Text, "x", { .isMasked = false })));
-        }
-        MaskCheck check;
-        const QByteArray large = frame(Binary, QByteArray(70'000, '\0'));
-        QVERIFY(check.take(QByteArrayView(large).chopped(1)));
-        QVERIFY(check.take(large.last(1) + frame(Ping, "")));
-        QVERIFY(!check.take(frame(Ping, "", { .isMasked = false })));
     }
 
     void handshakesAreRefused_data()
@@ -479,29 +440,6 @@ private Q_SLOTS:
         if (!peerOwnerFromDiagnostics(descriptor))
             QSKIP("this kernel answers no questions about sockets");
         QCOMPARE(peerOwnerFromDiagnostics(descriptor), std::optional(geteuid()));
-    }
-
-    void anotherLibraryUnderstandsIt()
-    {
-        bridge->onCommand = [this](HotkeyAction action) {
-            actions.append(action);
-            bridge->broadcast({ .inMeeting = true, .handRaised = true });
-        };
-        QProcess node;
-        auto environment = QProcessEnvironment::systemEnvironment();
-        environment.insert(u"NODE_PATH"_s, u"/usr/share/nodejs"_s);
-        node.setProcessEnvironment(environment);
-        node.start(u"node"_s, { QStringLiteral(WS_CLIENT), QString::number(port) });
-        QTRY_COMPARE_WITH_TIMEOUT(node.state(), QProcess::NotRunning, 30'000);
-        const QByteArray greeting = R"(text {"state":{"cameraOn":true,"handRaised":false,"inMeeting":false,)"
-                                    R"("micOn":true,"sharing":false},"type":"hello"})"
-                                    "\n";
-        QCOMPARE(node.readAllStandardOutput(),
-                 greeting + greeting + "pong\n"
-                     + R"(text {"cameraOn":true,"handRaised":true,"inMeeting":true,"micOn":true,)"
-                     + R"("sharing":false,"type":"state"})" + "\nclosed 1000\n"
-                     + "Unexpected server response: 403\n");
-        QCOMPARE(actions, QList { HotkeyAction::meetHand });
     }
 
 private:
