@@ -1,5 +1,4 @@
 #include "helper/DevToolsAnswers.h"
-#include "helper/ExtensionAnswers.h"
 #include <QJsonDocument>
 #include <QTest>
 
@@ -9,12 +8,6 @@ using namespace kestrel;
 namespace {
 
 const auto somethingWrong = u"error: The browser reported an error"_s;
-const auto notKnown = u"error: The browser's extension answered in a way that is not known here"_s;
-
-QJsonObject parsed(const char *json)
-{
-    return QJsonDocument::fromJson(json).object();
-}
 
 QString described(const BrowserRoute::RunAnswer &ran)
 {
@@ -47,36 +40,7 @@ private Q_SLOTS:
     void scriptsOverDevTools()
     {
         QFETCH(const QString, ran);
-        QCOMPARE(described(ranInPage(parsed(QTest::currentDataTag()))), ran);
-    }
-
-    void failuresOverDevToolsHaveAText()
-    {
-        for (const char *json : { R"({"error": {"message": ""}})", R"({"error": {"message": 5}})" }) {
-            const auto result = devToolsResult(parsed(json));
-            QVERIFY(!result);
-            QCOMPARE(u"error: "_s + result.error().text, somethingWrong);
-        }
-    }
-
-    void tabsOfTheExtension_data()
-    {
-        QTest::addColumn<QString>("found");
-        const auto row = [](const char *json, const QString &found) { QTest::newRow(json) << found; };
-        row(R"({"tab": 12})", u"12"_s);
-        row(R"({"tab": null})", u"none"_s);
-        row(R"({"tab": 12.5})", notKnown);
-        row(R"({"tab": 1e300})", notKnown);
-        row(R"({"tab": "12"})", notKnown);
-        row("{}", notKnown);
-        row(R"({"error": ""})", somethingWrong);
-        row(R"({"error": null, "tab": 12})", somethingWrong);
-    }
-    void tabsOfTheExtension()
-    {
-        QFETCH(const QString, found);
-        const auto answer = foundByExtension(parsed(QTest::currentDataTag()));
-        QCOMPARE(answer ? answer->value_or(u"none"_s) : u"error: "_s + answer.error(), found);
+        QCOMPARE(described(ranInPage(QJsonDocument::fromJson(QTest::currentDataTag()).object())), ran);
     }
 };
 

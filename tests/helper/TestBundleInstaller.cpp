@@ -1,8 +1,7 @@
 #include "helper/BundleInstaller.h"
 #include "platform/linux/DesktopEntry.h"
 #include "platform/linux/HomeInstallPlaces.h"
-#include <QDir>
-#include <QFile>
+#include "support/Files.h"
 #include <QTemporaryDir>
 #include <QTest>
 #include <csignal>
@@ -14,30 +13,6 @@
 using namespace Qt::StringLiterals;
 using namespace kestrel;
 using namespace std::chrono_literals;
-
-namespace {
-
-void write(const QString &path, const QByteArray &content)
-{
-    QDir().mkpath(QFileInfo(path).path());
-    QFile file(path);
-    file.open(QIODevice::WriteOnly);
-    file.write(content);
-}
-
-void writeProgram(const QString &path, const QByteArray &content)
-{
-    write(path, content);
-    ::chmod(path.toUtf8().constData(), 0755);
-}
-
-QByteArray contentOf(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("nothing");
-}
-
-} // namespace
 
 class TestBundleInstaller final : public QObject
 {
@@ -51,28 +26,19 @@ private Q_SLOTS:
         m_destination = m_places.destination;
         writeProgram(m_source + u"/bin/kestrel"_s, "new program");
         writeProgram(m_source + u"/libexec/kestrel/kestrel-browser-helper"_s, "new helper");
-        write(m_source + entry,
-              "[Desktop Entry]\nType=Application\nTryExec=kestrel\nExec=kestrel\n"
-              "[Desktop Action Join]\nName=Exec=\nExec=kestrel join\n");
-        write(m_source + icon, "new icon");
-        write(m_source + u"/lib/.hidden"_s, QByteArray(3'000'000, 'h'));
+        writeFile(m_source + entry,
+                  "[Desktop Entry]\nType=Application\nTryExec=kestrel\nExec=kestrel\n"
+                  "[Desktop Action Join]\nName=Exec=\nExec=kestrel join\n");
+        writeFile(m_source + icon, "new icon");
+        writeFile(m_source + u"/lib/.hidden"_s, QByteArray(3'000'000, 'h'));
         ::symlink("../bin/kestrel", (m_source + u"/lib/again"_s).toUtf8().constData());
     }
 
-    void replacesWhatIsThere_data()
-    {
-        QTest::addColumn<bool>("isThere");
-        QTest::newRow("for the first time") << false;
-        QTest::newRow("over an old one") << true;
-    }
     void replacesWhatIsThere()
     {
-        QFETCH(bool, isThere);
-        if (isThere) {
-            write(m_destination + u"/bin/kestrel"_s, "old program");
-            write(m_destination + u"/old"_s, "of the old one");
-            write(m_destination + u"/../.kestrel-copy-1/half"_s, "of one that was killed");
-        }
+        writeFile(m_destination + u"/bin/kestrel"_s, "old program");
+        writeFile(m_destination + u"/old"_s, "of the old one");
+        writeFile(m_destination + u"/../.kestrel-copy-1/half"_s, "of one that was killed");
 
         const auto done = installBundle(m_source, m_places, 30s);
 
@@ -104,7 +70,7 @@ private Q_SLOTS:
         const QString program = m_destination + u"/bin/kestrel"_s;
         QDir().mkpath(m_places.commands);
         if (!command.isEmpty())
-            write(name, command);
+            writeFile(name, command);
         if (linked == "ours")
             linked = program.toUtf8();
         if (!linked.isEmpty())
@@ -163,7 +129,7 @@ private Q_SLOTS:
             "over something else",
             [this] {
                 QFile::remove(m_destination + u"/bin/kestrel"_s);
-                write(m_destination + u"/thesis"_s, "mine");
+                writeFile(m_destination + u"/thesis"_s, "mine");
             },
             u"holds something else than Kestrel"_s);
         // a full disk, played by a bound on the size of files
@@ -182,11 +148,11 @@ private Q_SLOTS:
         QFETCH(std::function<void()>, spoil);
         QFETCH(QString, error);
         m_patience = 30s;
-        write(m_destination + u"/bin/kestrel"_s, "old program");
-        write(m_destination + u"/old"_s, "of the old one");
+        writeFile(m_destination + u"/bin/kestrel"_s, "old program");
+        writeFile(m_destination + u"/old"_s, "of the old one");
         const QString old = m_destination + u"/old"_s;
         const QString oldEntry = m_places.share + entry.sliced(6);
-        write(oldEntry, "old entry");
+        writeFile(oldEntry, "old entry");
         const QString name = m_places.commands + u"/kestrel"_s;
         spoil();
 

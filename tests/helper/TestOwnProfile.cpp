@@ -79,14 +79,6 @@ private Q_SLOTS:
         QTEST(run(source, isAny ? QString(meetTabMarker) : u"/second-call"_s), "expected");
     }
 
-    void raisesTheWindow()
-    {
-        for (const auto &call : { u"/first-call"_s, u"/second-call"_s }) {
-            QCOMPARE(run({}, call, true), u"ok - -"_s);
-            QTRY_COMPARE_WITH_TIMEOUT(run(u"document.hasFocus()"_s, call), u"ok true -"_s, 30000);
-        }
-    }
-
     void aDialogHoldsUpNobody()
     {
         QCOMPARE(run(u"void setTimeout(() => alert('wait'))"_s, u"/second-call"_s), u"ok - -"_s);

@@ -113,19 +113,6 @@ class AsNativeHost(RelayTest):
             silent = RelayClient(browser.path())
             self.assertNotIn("revision", silent.greeting)
 
-    def test_messages_stay_whole_however_their_bytes_arrive(self):
-        browser = self.greeted_browser()
-        client = browser.client()
-        messages = [{"id": "ñ"}, {"id": 2, "op": "x" * 40}]
-        stream = b"".join(map(frame, messages))
-        for cut in range(1, len(stream)):
-            for part in (stream[:cut], stream[cut:]):
-                client.socket.sendall(part)
-                browser.process.stdin.write(part)
-                browser.process.stdin.flush()
-            self.assertEqual([browser.hear(), browser.hear()], messages)
-            self.assertEqual([client.receive(), client.receive()], messages)
-
     def test_sizes(self):
         browser = self.greeted_browser()
         client, other = browser.client(), browser.client()
