@@ -1,5 +1,6 @@
 #include "meet/MeetHUDContent.h"
 #include "meet/MeetHUDPresenter.h"
+#include "support/EnglishTexts.h"
 #include "support/FakeAppearance.h"
 #include "support/FakeFloatingWindows.h"
 #include "support/FakeScreens.h"
@@ -9,7 +10,6 @@
 #include <QQuickItem>
 #include <QSignalSpy>
 #include <QTest>
-#include <QTranslator>
 #include <algorithm>
 
 using namespace Qt::StringLiterals;
@@ -49,15 +49,9 @@ class TestMeetHUD final : public QObject
 {
     Q_OBJECT
 
-    QTranslator m_translator;
+    EnglishTexts m_texts;
 
 private Q_SLOTS:
-    void initTestCase()
-    {
-        QVERIFY(m_translator.load(u":/i18n/kestrel_en.qm"_s));
-        QCoreApplication::installTranslator(&m_translator);
-    }
-
     void everyActionIsDrawnAndHasWords_data()
     {
         QTest::addColumn<HotkeyAction>("action");
