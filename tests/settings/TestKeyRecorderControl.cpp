@@ -3,18 +3,15 @@
 #include "hotkeys/KeyRecorder.h"
 #include "platform/linux/QtKeyMonitor.h"
 #include "platform/linux/X11Shortcuts.h"
+#include "support/EnglishTexts.h"
 #include "support/FakeAppearance.h"
+#include "support/Person.h"
 #include "ui/QuickScene.h"
 #include "ui/Theme.h"
-#include <QAbstractNativeEventFilter>
-#include <QAccessible>
-#include <QProcess>
 #include <QQuickItem>
 #include <QRasterWindow>
 #include <QRegularExpression>
 #include <QSignalSpy>
-#include <QTest>
-#include <QTranslator>
 #include <optional>
 
 using namespace Qt::StringLiterals;
@@ -24,27 +21,6 @@ void qml_register_types_Kestrel_Settings();
 namespace kestrel {
 
 namespace {
-
-/// Plays the person.
-void xdotool(const QString &arguments)
-{
-    QCOMPARE(QProcess::execute(u"xdotool"_s, arguments.split(u' ')), 0);
-}
-
-/// Counts the presses of keys that the display tells this program, repeated ones too.
-class PressCount final : public QAbstractNativeEventFilter
-{
-public:
-    PressCount() { QCoreApplication::instance()->installNativeEventFilter(this); }
-    bool nativeEventFilter(const QByteArray & /*type*/, void *message, qintptr * /*result*/) override
-    {
-        const auto *event = static_cast<const xcb_generic_event_t *>(message);
-        seen += (event->response_type & 0x7f) == XCB_KEY_PRESS ? 1 : 0;
-        return false;
-    }
-
-    int seen = 0;
-};
 
 constexpr Hotkey altShiftM { 46, Modifier::Option | Modifier::Shift };
 constexpr Hotkey altShiftL { 37, Modifier::Option | Modifier::Shift };
@@ -59,7 +35,7 @@ class TestKeyRecorderControl final : public QObject
     FakeAppearance m_appearance;
     Theme m_theme { m_appearance };
     QuickScene m_scene;
-    QTranslator m_translator;
+    EnglishTexts m_texts;
     X11Shortcuts m_backend;
     HotkeyDispatcher m_dispatcher { m_backend };
     QtKeyMonitor m_monitor;
@@ -85,12 +61,7 @@ class TestKeyRecorderControl final : public QObject
     }
 
 private Q_SLOTS:
-    void initTestCase()
-    {
-        qml_register_types_Kestrel_Settings();
-        QVERIFY(m_translator.load(u":/i18n/kestrel_en.qm"_s));
-        QCoreApplication::installTranslator(&m_translator);
-    }
+    void initTestCase() { qml_register_types_Kestrel_Settings(); }
 
     void init()
     {
@@ -225,17 +196,6 @@ private Q_SLOTS:
         QTRY_VERIFY(!m_mute->isRecording());
         xdotool(u"key alt+shift+m"_s);
         QTRY_COMPARE(m_muted, 1);
-    }
-
-    void saysWhatItIs()
-    {
-        const QAccessibleInterface *control = QAccessible::queryAccessibleInterface(item(u"mute"_s));
-        QVERIFY(control);
-        QCOMPARE(control->role(), QAccessible::Button);
-        QCOMPARE(control->text(QAccessible::Name), u"Mute"_s);
-        QCOMPARE(control->text(QAccessible::Description), u"Alt+Shift+M"_s);
-        m_mute->tap();
-        QCOMPARE(control->text(QAccessible::Description), u"Press the keys…"_s);
     }
 };
 

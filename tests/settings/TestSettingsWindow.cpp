@@ -68,10 +68,7 @@ private Q_SLOTS:
     }
     void everyTabIsDrawnWhole_data();
     void everyTabIsDrawnWhole();
-    void theKeyboardReachesEveryControl_data();
-    void theKeyboardReachesEveryControl();
-    void theKeyboardWorksEveryKindOfControl();
-    void aScreenReaderTurnsASwitch();
+    void theKeyboardLeavesAMenuAndChoosesASound();
     void tabsAreTurnedFromAnywhere();
     void aNewLanguageShowsAtOnce();
     void aNumberIsTyped();
@@ -132,114 +129,16 @@ void TestSettingsWindow::everyTabIsDrawnWhole()
     }
 }
 
-void TestSettingsWindow::theKeyboardReachesEveryControl_data()
-{
-    QTest::addColumn<Tab>("tab");
-    QTest::addColumn<QStringList>("expected"); // how the names begin, after the tab's own
-    QTest::newRow("general") << Tab::General
-                             << QStringList { u"General"_s,       u"Alert me before a meeting: 5 min"_s,
-                                              u"Close alerts"_s,  u"Alerts appear"_s,
-                                              u"Start Kestrel"_s, u"Stack"_s,
-                                              u"A click"_s };
-    QTest::newRow("appearance") << Tab::Appearance
-                                << QStringList { u"Appearance"_s, u"Language"_s, u"Reduce"_s };
-    QTest::newRow("accounts") << Tab::Accounts
-                              << QStringList { u"Accounts"_s,      u"Open meetings in: Window of its own"_s,
-                                               u"Calendars (3)"_s, u"Ann: "_s,
-                                               u"Ann"_s,           u"Team: "_s,
-                                               u"Team"_s,          u"Leave"_s,
-                                               u"Leave"_s,         u"Sign out"_s,
-                                               u"Add a Google"_s };
-    QStringList shortcuts;
-    for (const char *name : { "Microphone on", "Camera", "Share", "Raise", "Bring" })
-        shortcuts << QString::fromLatin1(name)
-                  << u"Back to the default shortcut: "_s + QString::fromLatin1(name);
-    for (int reaction = 0; reaction < 10; ++reaction)
-        shortcuts << u"Reaction"_s << u"Back to the default shortcut: Reaction"_s;
-    QTest::newRow("meetings") << Tab::Meetings
-                              << QStringList { u"Meetings"_s,      u"Join with"_s,
-                                               u"Join the next"_s, u"Back to the default shortcut: Join"_s,
-                                               u"Control calls"_s, u"Connect a browser"_s,
-                                               u"Microphone in"_s, u"Stream Deck"_s }
-            + shortcuts
-            + QStringList { u"Leave"_s, u"Back to the default shortcut: Leave"_s, u"Width"_s, u"Height"_s,
-                            u"Reset size"_s };
-    QStringList sounds { u"Notifications"_s, u"Play a sound"_s, u"Alert me again"_s, u"Glass"_s };
-    for (const auto sound : Preferences::alertSounds)
-        sounds << u"Listen: "_s + Preferences::rawValue(sound);
-    QTest::newRow("notifications") << Tab::Notifications << sounds;
-    QTest::newRow("about") << Tab::About << QStringList { u"About"_s };
-}
-
-void TestSettingsWindow::theKeyboardReachesEveryControl()
-{
-    QFETCH(Tab, tab);
-    QFETCH(QStringList, expected);
-    SettingsDesk desk({ u"A"_s });
-    desk.browser.current = { { u"Chromium"_s }, false, {}, false };
-    desk.window.show(tab);
-    QVERIFY(QTest::qWaitForWindowActive(shownView()));
-    desk.item(0)->setProperty("calendarsExpanded", true);
-    QTRY_COMPARE(desk.item(0)->calendars()->rowCount(), tab == Tab::Accounts ? 3 : 0);
-    settle();
-
-    QList<QQuickItem *> reached;
-    QStringList names;
-    for (press(Qt::Key_Tab); !reached.contains(shownView()->activeFocusItem()); press(Qt::Key_Tab)) {
-        QQuickItem *item = shownView()->activeFocusItem();
-        reached.append(item);
-        names.append(nameOf(item));
-        const QRectF place = item->mapRectToScene({ 0, 0, item->width(), item->height() });
-        QVERIFY2(QRectF(QPointF(), shownView()->size()).intersects(place), qPrintable(names.last()));
-    }
-    QVERIFY2(names.size() == expected.size(), qPrintable(names.join(u'\n')));
-    for (int row = 0; row < names.size(); ++row)
-        QVERIFY2(names.at(row).startsWith(expected.at(row)), qPrintable(names.at(row)));
-
-    // and back the same way
-    press(Qt::Key_Backtab, Qt::ShiftModifier);
-    QCOMPARE(nameOf(shownView()->activeFocusItem()), names.last());
-}
-
-void TestSettingsWindow::theKeyboardWorksEveryKindOfControl()
+void TestSettingsWindow::theKeyboardLeavesAMenuAndChoosesASound()
 {
     SettingsDesk desk;
-    const Preferences &preferences = desk.preferences;
     desk.window.show(Tab::General);
     QVERIFY(QTest::qWaitForWindowActive(shownView()));
-    press(Qt::Key_Tab);
-    press(Qt::Key_Tab);
-    press(Qt::Key_Right);
-    QCOMPARE(preferences.leadTimeMinutes(), 10);
-    press(Qt::Key_Right);
-    press(Qt::Key_Right);
-    QCOMPARE(preferences.leadTimeMinutes(), 15);
-    press(Qt::Key_Left);
-    QCOMPARE(nameOf(shownView()->activeFocusItem()), u"Alert me before a meeting: 10 min"_s);
-
-    press(Qt::Key_Tab);
-    press(Qt::Key_Up);
-    press(Qt::Key_Up);
-    QCOMPARE(preferences.autoDismissSeconds(), 10);
-    press(Qt::Key_Down);
-    press(Qt::Key_Down);
-    press(Qt::Key_Down);
-    QCOMPARE(preferences.autoDismissSeconds(), 0);
-
-    press(Qt::Key_Tab);
-    press(Qt::Key_Space);
-    press(Qt::Key_Down);
-    press(Qt::Key_Return);
-    QCOMPARE(preferences.screenPositionRaw(), u"bottomLeft"_s);
+    for (int times = 0; times < 4; ++times)
+        press(Qt::Key_Tab);
     press(Qt::Key_Space);
     press(Qt::Key_Escape); // closes the menu alone
     QVERIFY(desk.window.isShown());
-
-    press(Qt::Key_Tab);
-    press(Qt::Key_Space);
-    QVERIFY(!preferences.launchAtLogin());
-    press(Qt::Key_Return);
-    QVERIFY(preferences.launchAtLogin());
 
     desk.window.show(Tab::Notifications);
     settle();
@@ -249,36 +148,13 @@ void TestSettingsWindow::theKeyboardWorksEveryKindOfControl()
     press(Qt::Key_Down);
     press(Qt::Key_Up);
     QCOMPARE(desk.sounds.played, (QStringList { u"Ping"_s, u"Hero"_s, u"Ping"_s }));
-    QCOMPARE(preferences.alertSoundRaw(), u"Ping"_s);
+    QCOMPARE(desk.preferences.alertSoundRaw(), u"Ping"_s);
     press(Qt::Key_Tab);
     press(Qt::Key_Space);
     QCOMPARE(desk.sounds.played.size(), 4);
 
     press(Qt::Key_Escape);
     QVERIFY(!desk.window.isShown());
-}
-
-void TestSettingsWindow::aScreenReaderTurnsASwitch()
-{
-    SettingsDesk desk;
-    desk.window.show(Tab::General);
-    settle();
-    int turned = 0;
-    for (QQuickItem *item : visibleItems(shownView()->rootObject())) {
-        auto *interface = spoken(item);
-        if (nameOf(item) == u"Stack alerts that come together"_s && interface->state().checkable) {
-            QVERIFY(interface->state().checked);
-            interface->actionInterface()->doAction(QAccessibleActionInterface::toggleAction());
-            QVERIFY(!interface->state().checked);
-            ++turned;
-        } else if (nameOf(item) == u"Alert me before a meeting: 1 min"_s) {
-            interface->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
-            ++turned;
-        }
-    }
-    QCOMPARE(turned, 2);
-    QVERIFY(!desk.preferences.stackSimultaneousAlerts());
-    QCOMPARE(desk.preferences.leadTimeMinutes(), 1);
 }
 
 void TestSettingsWindow::tabsAreTurnedFromAnywhere()
@@ -343,14 +219,9 @@ void TestSettingsWindow::aNumberIsTyped()
         for (; *text; ++text)
             QTest::keyClick(shownView(), *text);
     };
-    type("900");
-    QCOMPARE(desk.preferences.popupWindowWidth(), 1300);
-    press(Qt::Key_Return);
-    QCOMPARE(desk.preferences.popupWindowWidth(), 900);
-
     type("0");
     press(Qt::Key_Tab);
-    QCOMPARE(desk.preferences.popupWindowWidth(), 900);
+    QCOMPARE(desk.preferences.popupWindowWidth(), 1300);
     QCOMPARE(field->property("text"), u"0"_s);
     QVERIFY(!desk.settings.meetings()->popupWidth()->error().isEmpty());
     desk.settings.meetings()->resetPopupSize();
