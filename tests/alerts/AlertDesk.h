@@ -12,6 +12,7 @@
 #include "support/FakeScreens.h"
 #include "support/FakeSoundPlayer.h"
 #include "support/FakeUrlOpener.h"
+#include "support/MakeMeeting.h"
 #include "ui/QuickScene.h"
 #include "ui/Theme.h"
 #include <QCoreApplication>
@@ -43,13 +44,8 @@ struct AlertDesk
     /// Starts at that minute after nine.
     [[nodiscard]] static Meeting meeting(const QString &id, int minute, int length = 30)
     {
-        Meeting meeting;
-        meeting.id = id;
-        meeting.accountID = QStringLiteral("a");
-        meeting.title = id;
-        meeting.start = *parseInternetDateTime(u"2025-03-03T09:00:00Z") + std::chrono::minutes(minute);
-        meeting.end = meeting.start + std::chrono::minutes(length);
-        return meeting;
+        const Instant start = *parseInternetDateTime(u"2025-03-03T09:00:00Z") + std::chrono::minutes(minute);
+        return makeMeeting(id, start, start + std::chrono::minutes(length), QStringLiteral("a"));
     }
 
     static void settle()

@@ -1,20 +1,16 @@
 #include "base/Clock.h"
+#include "support/EnglishTexts.h"
 #include "support/FakeAppearance.h"
-#include "support/FakeFloatingWindows.h"
-#include "support/FakeScreens.h"
 #include "support/WarningCount.h"
 #include "ui/AttendeeModel.h"
 #include "ui/Colors.h"
 #include "ui/Countdown.h"
 #include "ui/FlowRow.h"
-#include "ui/QuickModalNotice.h"
 #include "ui/QuickScene.h"
 #include "ui/Symbols.h"
 #include "ui/Theme.h"
-#include <QDirIterator>
 #include <QQmlComponent>
 #include <QTest>
-#include <QTranslator>
 #include <cmath>
 #include <memory>
 #include <optional>
@@ -46,8 +42,6 @@ class TestElements final : public QObject
     Q_OBJECT
 private Q_SLOTS:
     void initTestCase();
-    void everyElementIsMadeWithoutAWarning_data();
-    void everyElementIsMadeWithoutAWarning();
     void everyNamedSymbolHasADrawing();
     void whatIsReadStandsOut_data();
     void whatIsReadStandsOut();
@@ -64,18 +58,12 @@ private:
     Theme m_theme { m_appearance };
     FixedClock m_clock { Instant(std::chrono::hours(24 * 365)) };
     std::optional<Countdown> m_countdown;
-    AttendeeModel m_attendees { 3 };
     QuickScene m_scene;
-    FakeFloatingWindows m_windows;
-    FakeScreens m_screens;
-    QuickModalNotice m_notice { m_scene, m_windows, m_screens, m_theme };
-    QTranslator m_translator;
+    EnglishTexts m_texts;
 };
 
 void TestElements::initTestCase()
 {
-    QVERIFY(m_translator.load(u":/i18n/kestrel_en.qm"_s));
-    QCoreApplication::installTranslator(&m_translator);
     m_countdown.emplace(m_clock, m_clock.now() + std::chrono::minutes(5));
     // as a window of the program does; a file of the module alone does not register its types
     QQmlEngine engine;
@@ -83,60 +71,6 @@ void TestElements::initTestCase()
     QQmlComponent importing(&engine);
     importing.setData("import QtQml\nimport Kestrel.Ui\nQtObject {}", {});
     QVERIFY2(std::unique_ptr<QObject>(importing.create()), qPrintable(importing.errorString()));
-    QList<Attendee> many;
-    for (int i = 0; i < 200; ++i)
-        many << Attendee { QString::number(i), {}, u"Guest number %1"_s.arg(i) };
-    many[0].displayName = QString(140, u'W');
-    m_attendees.setAttendees(many);
-}
-
-void TestElements::everyElementIsMadeWithoutAWarning_data()
-{
-    QTest::addColumn<QUrl>("source");
-    QDirIterator files(u":/qt/qml/Kestrel/Ui"_s, { u"*.qml"_s }, QDir::Files);
-    while (files.hasNext()) {
-        const QString path = files.next();
-        if (files.fileName() != "Metrics.qml"_L1)
-            QTest::newRow(qPrintable(files.fileName())) << QUrl(u"qrc"_s + path);
-    }
-}
-
-void TestElements::everyElementIsMadeWithoutAWarning()
-{
-    QFETCH(QUrl, source);
-    const WarningCount warnings;
-    // what a file does not require is set on it only where it has such a property
-    const QHash<QString, QVariantMap> required {
-        { u"CountdownPill.qml"_s, { { u"countdown"_s, QVariant::fromValue(&*m_countdown) } } },
-        { u"AttendeeChips.qml"_s, { { u"attendees"_s, QVariant::fromValue(&m_attendees) } } },
-        { u"AttendeeChip.qml"_s, { { u"label"_s, u"<b>Ann</b>"_s }, { u"response"_s, 0 } } },
-        { u"IconButton.qml"_s, { { u"symbol"_s, u"gearshape"_s }, { u"toolTip"_s, u"Settings"_s } } },
-        { u"NoticeView.qml"_s, { { u"notice"_s, QVariant::fromValue(&m_notice) } } },
-        { u"Symbol.qml"_s, { { u"name"_s, u"timer"_s } } },
-        { u"ToolTipBubble.qml"_s, { { u"text"_s, u"Settings"_s } } },
-    };
-    if (source.fileName() == "ToolTipBubble.qml"_L1) {
-        // no item, so no window's root; a button shows it
-        const auto view = m_scene.makeView(QUrl(u"qrc:/qt/qml/Kestrel/Ui/IconButton.qml"_s),
-                                           required.value(u"IconButton.qml"_s));
-        QQmlComponent bubble(view->engine(), source);
-        const std::unique_ptr<QObject> made(bubble.createWithInitialProperties(
-            { { u"parent"_s, QVariant::fromValue(view->rootObject()) }, { u"text"_s, u"Settings"_s } }));
-        QVERIFY2(made, qPrintable(bubble.errorString()));
-    } else {
-        const auto view = m_scene.makeView(source, required.value(source.fileName()));
-        QVERIFY(view);
-        view->resize(300, 200);
-        view->show();
-        QVERIFY(QTest::qWaitForWindowExposed(view.get()));
-        m_appearance.dark = true;
-        Q_EMIT m_appearance.changed();
-        QVERIFY(!view->grabWindow().isNull());
-        m_appearance.dark = false;
-        Q_EMIT m_appearance.changed();
-    }
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-    QCOMPARE(WarningCount::seen, 0);
 }
 
 void TestElements::everyNamedSymbolHasADrawing()

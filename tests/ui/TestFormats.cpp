@@ -1,4 +1,5 @@
 #include "base/Clock.h"
+#include "support/EnglishTexts.h"
 #include "ui/Colors.h"
 #include "ui/Countdown.h"
 #include "ui/DisplayFormats.h"
@@ -18,8 +19,6 @@ private Q_SLOTS:
     void formatsFollowLanguageAndLocale();
     void countdownSaysHowNearAMeetingIs_data();
     void countdownSaysHowNearAMeetingIs();
-    void hexTextsBecomeColors_data();
-    void hexTextsBecomeColors();
     void stripesCanBeSeen_data();
     void stripesCanBeSeen();
     void placesBecomeMapSearches_data();
@@ -134,33 +133,11 @@ void TestFormats::countdownSaysHowNearAMeetingIs()
     QFETCH(double, remaining);
     QFETCH(QString, text);
     QFETCH(Countdown::Nearness, nearness);
-    QTranslator translator;
-    QVERIFY(translator.load(u":/i18n/kestrel_en"_s));
-    QCoreApplication::installTranslator(&translator);
+    const EnglishTexts texts;
     const FixedClock clock(marchThird);
     const Countdown countdown(clock, marchThird + secondsSpan(remaining));
     QCOMPARE(countdown.text(), text);
     QCOMPARE(countdown.nearness(), nearness);
-}
-
-void TestFormats::hexTextsBecomeColors_data()
-{
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<std::optional<QColor>>("expected");
-    const std::optional<QColor> none;
-    const std::optional turquoise = QColor(0x4d, 0xbe, 0xd1);
-    QTest::newRow("with the sign") << u"#4dbed1"_s << turquoise;
-    QTest::newRow("without it") << u"4DBED1"_s << turquoise;
-    for (const QString &text : { u"##4dbed1"_s, u"#fff"_s, u"#ff4dbed1"_s, u"4dbeg1"_s, u"+4dbed"_s,
-                                 u" 4dbed"_s, u"0x4dbe"_s, QString() })
-        QTest::addRow("\"%s\"", qPrintable(text)) << text << none;
-}
-
-void TestFormats::hexTextsBecomeColors()
-{
-    QFETCH(QString, text);
-    QFETCH(std::optional<QColor>, expected);
-    QCOMPARE(colorFromHex(text), expected);
 }
 
 void TestFormats::stripesCanBeSeen_data()
@@ -173,7 +150,10 @@ void TestFormats::stripesCanBeSeen_data()
     const QColor lime(0, 255, 0);
     QTest::newRow("the calendar's, however dark") << std::optional(u"#000001"_s) << lime << QColor(0, 0, 1);
     QTest::newRow("none") << none << lime << lime;
-    QTest::newRow("no colour") << std::optional(u"lime"_s) << lime << lime;
+    QTest::newRow("without the sign") << std::optional(u"4DBED1"_s) << lime << QColor(0x4d, 0xbe, 0xd1);
+    for (const QString &text : { u"lime"_s, u"##4dbed1"_s, u"#fff"_s, u"#ff4dbed1"_s, u"4dbeg1"_s,
+                                 u"+4dbed"_s, u" 4dbed"_s, u"0x4dbe"_s, QString() })
+        QTest::addRow("\"%s\"", qPrintable(text)) << std::optional(text) << lime << lime;
     QTest::newRow("dark fallback") << none << QColor(0, 0, 255) << grey;
     QTest::newRow("just bright enough") << none << QColor(77, 77, 77) << QColor(77, 77, 77);
     QTest::newRow("just too dark") << none << QColor(76, 76, 76) << grey;

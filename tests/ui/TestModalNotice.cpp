@@ -78,24 +78,6 @@ private Q_SLOTS:
         QCOMPARE(WarningCount::seen, 0);
     }
 
-    void aScreenReaderFindsIt()
-    {
-        Desk desk;
-        desk.start();
-        QAccessibleInterface *dialog =
-            QAccessible::queryAccessibleInterface(desk.notice->view()->rootObject());
-        QVERIFY(dialog);
-        QCOMPARE(dialog->role(), QAccessible::Dialog);
-        QCOMPARE(dialog->text(QAccessible::Name), twoButtons.title);
-        QCOMPARE(dialog->text(QAccessible::Description), twoButtons.text);
-        QStringList pressable;
-        for (int i = 0; i < dialog->childCount(); ++i) {
-            if (dialog->child(i)->role() == QAccessible::Button)
-                pressable.append(dialog->child(i)->text(QAccessible::Name));
-        }
-        QCOMPARE(pressable, twoButtons.buttons);
-    }
-
     void oneAfterTheOther()
     {
         Desk desk;
