@@ -1,5 +1,6 @@
 #include "app/AgendaText.h"
 #include "app/StatusText.h"
+#include "support/MakeMeeting.h"
 #include <QJsonArray>
 #include <QTest>
 
@@ -13,13 +14,8 @@ const Instant now = *parseInternetDateTime(u"2026-03-01T12:00:00Z");
 
 Meeting meetingAt(const QString &title, std::chrono::minutes start, std::chrono::minutes length = 30min)
 {
-    Meeting meeting;
-    meeting.id = u"A:"_s + title;
-    meeting.accountID = u"A"_s;
-    meeting.title = title;
+    Meeting meeting = makeMeeting(title, now + start, now + start + length);
     meeting.platform = MeetingPlatform::Kind::Zoom;
-    meeting.start = now + start;
-    meeting.end = meeting.start + length;
     return meeting;
 }
 

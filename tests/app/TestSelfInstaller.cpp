@@ -1,14 +1,13 @@
 #include "app/SelfInstaller.h"
 #include "base/Started.h"
+#include "support/EnglishTexts.h"
 #include "support/FakeHelperChannel.h"
 #include "support/FakeModalNotice.h"
 #include "support/FakePreferenceStore.h"
+#include "support/Files.h"
 #include <QCoreApplication>
-#include <QDir>
-#include <QFile>
 #include <QTemporaryDir>
 #include <QTest>
-#include <QTranslator>
 
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
@@ -28,12 +27,7 @@ class TestSelfInstaller final : public QObject
 {
     Q_OBJECT
 private Q_SLOTS:
-    void initTestCase()
-    {
-        QVERIFY(translator.load(u":/i18n/kestrel_en.qm"_s));
-        QCoreApplication::installTranslator(&translator);
-        makeBundle(u"media/stick/Kestrel"_s);
-    }
+    void initTestCase() { makeBundle(u"media/stick/Kestrel"_s); }
 
     void init()
     {
@@ -65,28 +59,6 @@ private Q_SLOTS:
         QCOMPARE(notice->asked.size(), offers ? 1 : 0);
         QCOMPARE(store->boolean(declined).value_or(false), offers);
         QVERIFY(helper->installed.isEmpty());
-    }
-
-    void declinedOnceItIsNeverOfferedAgain()
-    {
-        notice->answer = notNow;
-        for (int start = 0; start < 2; ++start)
-            QCOMPARE(*started(make()->offerIfNeeded()), false);
-        QCOMPARE(notice->asked.size(), 1);
-    }
-
-    void installedItLeaves()
-    {
-        helper->isHeld = true;
-        auto installer = make();
-        const auto leaves = started(installer->offerIfNeeded());
-        QVERIFY(!leaves->has_value());
-        QCOMPARE(helper->installed, (QList<std::pair<QString, QString>> { { stick(), u"/there"_s } }));
-        QTimer::singleShot(0, helper.get(), &FakeHelperChannel::release);
-        QCoreApplication::exec(); // ends when the installer quits
-        QCOMPARE(*leaves, true);
-        QVERIFY(!store->boolean(declined));
-        QCOMPARE(notice->asked.size(), 1);
     }
 
     void aFailureIsSaidAndTheStartGoesOn_data()
@@ -144,9 +116,7 @@ private Q_SLOTS:
 private:
     void makeBundle(const QString &name)
     {
-        const QString folder = bundles.filePath(name) + u"/share/applications"_s;
-        QDir().mkpath(folder);
-        QFile(folder + u"/app.kestrel.Kestrel.desktop"_s).open(QIODevice::WriteOnly);
+        writeFile(bundles.filePath(name) + u"/share/applications/app.kestrel.Kestrel.desktop"_s, {});
     }
     [[nodiscard]] QString stick() const { return bundles.filePath(u"media/stick/Kestrel"_s); }
     std::unique_ptr<SelfInstaller> make(const QString &bundle = u"media/stick/Kestrel"_s,
@@ -161,7 +131,7 @@ private:
                                                patience);
     }
 
-    QTranslator translator;
+    EnglishTexts texts;
     QTemporaryDir bundles;
     std::unique_ptr<FakeHelperChannel> helper;
     std::unique_ptr<FakeModalNotice> notice;
