@@ -165,8 +165,6 @@ int main(int argc, char **argv)
     benchmark::Initialize(&argc, argv);
     constexpr const char *name = "state change to 200 bridge clients";
     benchmark::RegisterBenchmark(name, kestrel::benchmarkBroadcast)->Iterations(1);
-    kestrel::BudgetTable table("milliseconds by the clock", { { name, 5 } });
-    benchmark::RunSpecifiedBenchmarks(&table);
-    benchmark::Shutdown();
-    return 0;
+    kestrel::BudgetTable table("ms", { { name, 5 } });
+    return table.run();
 }

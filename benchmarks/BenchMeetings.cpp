@@ -171,8 +171,6 @@ int main(int argc, char **argv)
     kestrel::registerDecoding(budgets);
     kestrel::registerLinkDetection(budgets);
     kestrel::registerStore(budgets);
-    kestrel::BudgetTable table("processor time in milliseconds", budgets);
-    benchmark::RunSpecifiedBenchmarks(&table);
-    benchmark::Shutdown();
-    return 0;
+    kestrel::BudgetTable table("ms CPU", budgets);
+    return table.run();
 }

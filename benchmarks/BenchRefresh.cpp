@@ -126,8 +126,6 @@ int main(int argc, char **argv)
     benchmark::Initialize(&argc, argv);
     const std::string name = "longest stall of one refresh, 10 x 4 x 250";
     benchmark::RegisterBenchmark(name.c_str(), kestrel::benchmarkStall)->Iterations(kestrel::refreshCount);
-    kestrel::BudgetTable table("milliseconds by the clock", { { name, kestrel::stallBudget } });
-    benchmark::RunSpecifiedBenchmarks(&table);
-    benchmark::Shutdown();
-    return 0;
+    kestrel::BudgetTable table("ms", { { name, kestrel::stallBudget } });
+    return table.run();
 }

@@ -43,7 +43,7 @@ namespace kestrel {
 namespace {
 
 constexpr int laterShows = 30;
-constexpr int restackings = 10;
+constexpr int restackings = 20;
 constexpr int alerts = 200;
 
 class Control final : public RefreshControl
@@ -146,57 +146,86 @@ void settle(std::chrono::milliseconds time)
     loop.exec();
 }
 
-void benchmarkPopover(benchmark::State &first, std::vector<double> &later)
+/// A window that is shown the first time in this process, or again and again after that.
+enum class Showing { First, Later };
+
+/// Reports what `show` takes to the first frame, the first time or the later ones, before each of which
+/// `hide` is called.
+template<typename Show, typename Hide>
+void benchmarkShows(benchmark::State &state, Showing showing, Show show, Hide hide)
+{
+    std::vector<double> times;
+    for ([[maybe_unused]] auto iteration : state) {
+        const double first = untilFrame([&] { show(0); });
+        if (showing == Showing::First)
+            times.push_back(first);
+        for (int i = 1; showing == Showing::Later && i <= laterShows; ++i) {
+            settle(400ms);
+            hide();
+            settle(400ms);
+            times.push_back(untilFrame([&] { show(i); }));
+        }
+    }
+    hide();
+    settle(50ms);
+    report(state, times);
+}
+
+void benchmarkPopover(benchmark::State &state, Showing showing)
 {
     Day day;
     settle(200ms);
     AgendaModel model(day.store, day.registry, day.preferences, day.control, day.opener, day.clock);
     AgendaPopover popover(day.services.scene, day.services.windows, day.services.screens, model, {});
-    std::vector<double> firstTimes;
-    for ([[maybe_unused]] auto iteration : first)
-        firstTimes.push_back(untilFrame([&] { popover.show(); }));
-    for (int i = 0; i < laterShows; ++i) {
-        settle(50ms);
-        popover.hide();
-        settle(400ms);
-        later.push_back(untilFrame([&] { popover.show(); }));
-    }
-    popover.hide();
-    report(first, firstTimes);
+    benchmarkShows(state, showing, [&](int) { popover.show(); }, [&] { popover.hide(); });
 }
 
-void benchmarkCards(benchmark::State &first, std::vector<double> &later, std::vector<double> &restacked)
+/// Cards on the screen.
+struct Cards
+{
+    explicit Cards(Day &from)
+        : day(from)
+        , presenter(day.preferences, day.opener, day.clock, day.services.scene, day.services.windows,
+                    day.services.screens, day.services.sounds, day.services.notifications, day.services.theme)
+    {
+        day.preferences.setPlaySoundOnAlert(false);
+        settle(200ms);
+    }
+    void present(int number) { presenter.present(meeting(number, day.clock.now() + 5min)); }
+
+    Day &day;
+    AlertPresenter presenter;
+};
+
+void benchmarkCards(benchmark::State &state, Showing showing)
 {
     Day day;
-    settle(200ms);
-    day.preferences.setPlaySoundOnAlert(false);
-    AlertPresenter presenter(day.preferences, day.opener, day.clock, day.services.scene, day.services.windows,
-                             day.services.screens, day.services.sounds, day.services.notifications,
-                             day.services.theme);
-    std::vector<double> firstTimes;
-    for ([[maybe_unused]] auto iteration : first)
-        firstTimes.push_back(untilFrame([&] { presenter.present(meeting(0, day.clock.now() + 5min)); }));
-    for (int i = 1; i <= laterShows; ++i) {
-        settle(400ms);
-        presenter.dismissAll();
-        settle(50ms);
-        later.push_back(untilFrame([&] { presenter.present(meeting(i, day.clock.now() + 5min)); }));
-    }
-    presenter.dismissAll();
-    for (int i = 0; i < 60; ++i)
-        presenter.present(meeting(i, day.clock.now() + 5min));
-    settle(1s);
-    for (int i = 0; i < restackings; ++i) {
-        Heartbeat heartbeat;
-        presenter.dismiss(u"account:%1"_s.arg(i));
-        settle(400ms);
-        restacked.push_back(heartbeat.longestGap());
-    }
-    presenter.dismissAll();
-    report(first, firstTimes);
+    Cards cards(day);
+    benchmarkShows(
+        state, showing, [&](int number) { cards.present(number); }, [&] { cards.presenter.dismissAll(); });
 }
 
-void benchmarkSettings(benchmark::State &first, std::vector<double> &later)
+void benchmarkRestacking(benchmark::State &state)
+{
+    Day day;
+    Cards cards(day);
+    std::vector<double> gaps;
+    for ([[maybe_unused]] auto iteration : state) {
+        for (int i = 0; i < 60; ++i)
+            cards.present(i);
+        settle(1s);
+        for (int i = 0; i < restackings; ++i) {
+            Heartbeat heartbeat;
+            cards.presenter.dismiss(u"account:%1"_s.arg(i));
+            settle(400ms);
+            gaps.push_back(heartbeat.longestGap());
+        }
+        cards.presenter.dismissAll();
+    }
+    report(state, gaps);
+}
+
+void benchmarkSettings(benchmark::State &state, Showing showing)
 {
     Day day;
     settle(200ms);
@@ -216,19 +245,9 @@ void benchmarkSettings(benchmark::State &first, std::vector<double> &later)
                           day.services.keyMonitor,
                           {} });
     SettingsWindow window(day.services.scene, day.services.screens, model);
-    std::vector<double> firstTimes;
     // the longest tab
-    for ([[maybe_unused]] auto iteration : first)
-        firstTimes.push_back(untilFrame([&] { window.show(SettingsModel::Tab::Meetings); }));
-    for (int i = 0; i < laterShows; ++i) {
-        settle(50ms);
-        window.close();
-        settle(100ms);
-        later.push_back(untilFrame([&] { window.show(); }));
-    }
-    window.close();
-    settle(50ms);
-    report(first, firstTimes);
+    benchmarkShows(
+        state, showing, [&](int) { window.show(SettingsModel::Tab::Meetings); }, [&] { window.close(); });
 }
 
 /// Notes when it is first asked whether cards can be placed, which is the first thing that presenting asks.
@@ -308,48 +327,21 @@ int main(int argc, char **argv)
         QCoreApplication::installTranslator(&texts);
     benchmark::Initialize(&argc, argv);
 
-    std::vector<double> popovers;
-    std::vector<double> cards;
-    std::vector<double> restacked;
-    std::vector<double> settings;
-    const auto once = [](const char *name, auto work) {
-        benchmark::RegisterBenchmark(name, work)->Iterations(1);
+    std::vector<kestrel::Budget> budgets;
+    const auto add = [&](kestrel::Budget budget, auto work, auto... argument) {
+        benchmark::RegisterBenchmark(budget.benchmark.c_str(), work, argument...)->Iterations(1);
+        budgets.push_back(std::move(budget));
     };
-    once("popover: click to first frame, first time",
-         [&](benchmark::State &state) { kestrel::benchmarkPopover(state, popovers); });
-    once("popover: click to first frame, later", [&](benchmark::State &state) {
-        for ([[maybe_unused]] auto iteration : state) { }
-        kestrel::report(state, popovers);
-    });
-    once("settings: show to first frame, first time",
-         [&](benchmark::State &state) { kestrel::benchmarkSettings(state, settings); });
-    once("settings: show to first frame, later", [&](benchmark::State &state) {
-        for ([[maybe_unused]] auto iteration : state) { }
-        kestrel::report(state, settings);
-    });
-    once("card: present to first frame, first time",
-         [&](benchmark::State &state) { kestrel::benchmarkCards(state, cards, restacked); });
-    once("card: present to first frame, later", [&](benchmark::State &state) {
-        for ([[maybe_unused]] auto iteration : state) { }
-        kestrel::report(state, cards);
-    });
-    once("60 cards re-stacked: longest gap", [&](benchmark::State &state) {
-        for ([[maybe_unused]] auto iteration : state) { }
-        kestrel::report(state, restacked);
-    });
-    once("alert lateness, all cores loaded",
-         [](benchmark::State &state) { kestrel::benchmarkLateness(state); });
+    using enum kestrel::Showing;
+    add({ "popover: click to first frame, first time", 60 }, kestrel::benchmarkPopover, First);
+    add({ "popover: click to first frame, later", 16 }, kestrel::benchmarkPopover, Later);
+    add({ "card: present to first frame, first time", 100 }, kestrel::benchmarkCards, First);
+    add({ "card: present to first frame, later", 20 }, kestrel::benchmarkCards, Later);
+    add({ "settings: show to first frame, first time", 150 }, kestrel::benchmarkSettings, First);
+    add({ "settings: show to first frame, later", 150 }, kestrel::benchmarkSettings, Later);
+    add({ "60 cards re-stacked: longest gap", 33 }, kestrel::benchmarkRestacking);
+    add({ "alert lateness, all cores loaded", 5, {}, 1, true }, kestrel::benchmarkLateness);
 
-    kestrel::BudgetTable table("milliseconds by the clock",
-                               { { "popover: click to first frame, first time", 60 },
-                                 { "popover: click to first frame, later", 16 },
-                                 { "settings: show to first frame, first time", 150 },
-                                 { "settings: show to first frame, later", 150 },
-                                 { "card: present to first frame, first time", 100 },
-                                 { "card: present to first frame, later", 20 },
-                                 { "60 cards re-stacked: longest gap", 33 },
-                                 { "alert lateness, all cores loaded", 5, {}, 1, true } });
-    benchmark::RunSpecifiedBenchmarks(&table);
-    benchmark::Shutdown();
-    return 0;
+    kestrel::BudgetTable table("ms", budgets);
+    return table.run();
 }

@@ -1,5 +1,6 @@
 #include "benchmarks/BudgetTable.h"
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
 #include <ctime>
 #include <utility>
@@ -8,9 +9,10 @@ namespace kestrel {
 
 namespace {
 
+/// The least value that at least this share of all does not exceed; of few values the 99th is the largest.
 double percentile(const std::vector<double> &sorted, double fraction)
 {
-    return sorted[static_cast<size_t>(fraction * static_cast<double>(sorted.size() - 1))];
+    return sorted[static_cast<size_t>(std::ceil(fraction * static_cast<double>(sorted.size()))) - 1];
 }
 
 /// The processor time of this thread: what other programs take away meanwhile does not count.
@@ -29,10 +31,17 @@ double medianOf(std::vector<double> values)
 
 } // namespace
 
-BudgetTable::BudgetTable(std::string heading, std::vector<Budget> budgets)
-    : m_heading(std::move(heading))
+BudgetTable::BudgetTable(std::string unit, std::vector<Budget> budgets)
+    : m_unit(std::move(unit))
     , m_budgets(std::move(budgets))
 {
+}
+
+int BudgetTable::run()
+{
+    benchmark::RunSpecifiedBenchmarks(this);
+    benchmark::Shutdown();
+    return m_hasFailed ? 1 : 0;
 }
 
 bool BudgetTable::ReportContext(const Context &context)
@@ -46,8 +55,10 @@ void BudgetTable::ReportRuns(const std::vector<Run> &runs)
     std::map<std::string, std::vector<double>> figures;
     std::string name;
     for (const Run &run : runs) {
-        if (run.error_occurred)
-            std::printf("%s: %s\n", run.benchmark_name().c_str(), run.error_message.c_str());
+        if (run.error_occurred) {
+            std::fprintf(stderr, "%s: %s\n", run.benchmark_name().c_str(), run.error_message.c_str());
+            m_hasFailed = true;
+        }
         if (run.run_type != Run::RT_Iteration || run.error_occurred)
             continue;
         name = run.run_name.function_name;
@@ -63,24 +74,20 @@ void BudgetTable::ReportRuns(const std::vector<Run> &runs)
 
 void BudgetTable::Finalize()
 {
-    std::printf("%-44s %9s %9s %9s %9s %6s\n", m_heading.c_str(), "min", "median", "p99", "budget", "ratio");
     for (const Budget &budget : m_budgets) {
         const auto measured = m_measured.find(budget.benchmark);
         if (measured == m_measured.end())
             continue;
         const Times &times = measured->second;
-        std::printf("%-44s %9.4f %9.4f %9.4f ", budget.benchmark.c_str(), times.min, times.median, times.p99);
-
+        std::printf("%s\t%s\t%g\t%g\t%g", budget.benchmark.c_str(), m_unit.c_str(), times.min, times.median,
+                    times.p99);
         const auto compared = m_measured.find(budget.comparedTo);
-        const bool isRelative = compared != m_measured.end();
-        const double limit = isRelative ? budget.factor * compared->second.min : budget.milliseconds;
-        if (limit > 0) {
-            const double held = isRelative ? times.min : budget.ofWorst ? times.p99 : times.median;
-            const double ratio = held / limit;
-            std::printf("%9.4f %6.2f  %s", limit, ratio, ratio <= 1 ? "within" : "OVER");
-        }
-        if (isRelative)
-            std::printf("  %g x %s", budget.factor, budget.comparedTo.c_str());
+        if (compared != m_measured.end())
+            std::printf("\t%g\t%g\tminima, %g x %s", times.min, budget.factor * compared->second.min,
+                        budget.factor, budget.comparedTo.c_str());
+        else if (budget.milliseconds > 0)
+            std::printf("\t%g\t%g\t%s", budget.ofWorst ? times.p99 : times.median, budget.milliseconds,
+                        budget.ofWorst ? "p99" : "");
         std::printf("\n");
     }
 }

@@ -1,11 +1,10 @@
 #!/usr/bin/python3
-"""The running program from outside: time to the status item, memory, wake-ups. Prints each figure beside its budget.
+"""The running program from outside: time to the status item, memory, wake-ups, what a refresh costs.
 
 Runs on a display and a bus of its own (tests/support/with-display), with a tray host that only notes who registers.
-KESTREL_BIN names the build's bin folder. The parts can be named: start status memory wake-ups."""
+KESTREL_BIN names the build's bin folder. The parts can be named: start status memory wake-ups refresh."""
 import os
 import pathlib
-import statistics
 import subprocess
 import sys
 import threading
@@ -18,9 +17,12 @@ from gi.repository import GLib
 
 sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent.parent / "tests/e2e"))
 from kestrel_session import BIN, Kestrel, SampleGoogle, wait_until  # noqa: E402
-from process_figures import line, memory  # noqa: E402
+from process_figures import memory, percentile, processor_milliseconds, row, wake_ups  # noqa: E402
 
 WATCHER = "org.kde.StatusNotifierWatcher"
+ALARM_NOTIFY = "/usr/libexec/evolution-data-server/evolution-alarm-notify"
+PROCESSES = 7  # whose memory is measured
+MINUTES = 5  # whose wake-ups are counted
 
 
 class Watcher(dbus.service.Object):
@@ -62,6 +64,29 @@ class Watcher(dbus.service.Object):
             <property name="IsStatusNotifierHostRegistered" type="b" access="read"/>''')
 
 
+class AlarmNotify:
+    """The alarm daemon of another calendar, with the services that the bus starts for it."""
+
+    def __init__(self, bus):
+        no_screen_reader = dict(os.environ, NO_AT_BRIDGE="1")  # which only some programs start by themselves
+        self.process = subprocess.Popen([ALARM_NOTIFY], env=no_screen_reader, stdin=subprocess.DEVNULL,
+                                        stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        self.bus = bus
+        wait_until(lambda: any("Calendar" in name for name in self.names()), "its calendars are served")
+
+    def names(self):
+        return [name for name in self.bus.list_names() if name.startswith("org.gnome.evolution.dataserver.")]
+
+    def processes(self):
+        services = {int(self.bus.call_blocking("org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus",
+                                               "GetConnectionUnixProcessID", "s", [name])) for name in self.names()}
+        return [self.process.pid, *sorted(services)]
+
+    def stop(self):
+        self.process.terminate()
+        self.process.wait(20)
+
+
 def milliseconds_to_item(watcher, command, environment=None):
     watcher.registered.clear()
     before = time.monotonic()
@@ -81,47 +106,118 @@ def milliseconds_of(command, environment):
     return 1000 * (time.monotonic() - before)
 
 
-def wake_ups(pid):
-    """How often any of its threads was given the processor after it had waited."""
-    total = 0
-    for status in pathlib.Path(f"/proc/{pid}/task").glob("*/status"):
-        for entry in status.read_text().splitlines():
-            if entry.startswith("voluntary_ctxt_switches"):
-                total += int(entry.split()[1])
-    return total
+def measure_status(kestrel):
+    command = [str(BIN / "kestrel"), *kestrel.options, "status"]
+    row("kestrel status, from start to exit", "ms", [milliseconds_of(command, kestrel.environment) for _ in range(200)], 30)
 
 
-def idle_wake_ups(pid, google, minutes):
-    """A minute's wake-ups, leaving out the two seconds after each refresh starts. Sampled every quarter of a second."""
-    counted = seconds = 0.0
-    refreshed_at = time.monotonic() - 60
+def measure_refreshes(kestrel):
+    """Of the calendar that is read, with 50 events which are what they were. Asking costs Kestrel something too."""
+    before = processor_milliseconds(kestrel.process.pid)
+    costs = []
+    for _ in range(50):
+        kestrel.done("refresh")
+        after = processor_milliseconds(kestrel.process.pid)
+        costs.append(after - before)
+        before = after
+    row("refresh of one calendar without changes", "ms CPU", costs, 15)
+
+
+def idle_wake_ups(kestrel, google, others):
+    """Each minute's wake-ups of Kestrel, leaving out the two seconds after each refresh starts, and each minute's of the
+    lists of other processes. Sampled every quarter of a second."""
+    pid = kestrel.process.pid
+    ours, theirs = [], [[] for _ in others]
     requests = google.get("/requests")["count"]
-    last = wake_ups(pid)
-    end = time.monotonic() + 60 * minutes
-    pending = []  # samples that a refresh, seen a little late, may still take out
-    while time.monotonic() < end:
-        time.sleep(0.25)
-        now, total, asked = time.monotonic(), wake_ups(pid), google.get("/requests")["count"]
-        pending.append((now, total - last))
-        last = total
-        if asked != requests:
-            requests = asked
-            refreshed_at = now
-            pending = []
-        if now - refreshed_at < 2.25:
-            pending = []
-        while pending and now - pending[0][0] > 0.5:
-            counted += pending.pop(0)[1]
-            seconds += 0.25
-    return counted * 60 / seconds
+    refreshed_at = time.monotonic() - 60
+    for _ in range(MINUTES):
+        counted = seconds = 0.0
+        pending = []  # samples that a refresh, seen a little late, may still take out
+        before = [sum(map(wake_ups, pids)) for pids in others]
+        last = wake_ups(pid)
+        end = time.monotonic() + 60
+        while time.monotonic() < end:
+            time.sleep(0.25)
+            now, total, asked = time.monotonic(), wake_ups(pid), google.get("/requests")["count"]
+            pending.append((now, total - last))
+            last = total
+            if asked != requests:
+                requests = asked
+                refreshed_at = now
+                pending = []
+            if now - refreshed_at < 2.25:
+                pending = []
+            while pending and now - pending[0][0] > 0.5:
+                counted += pending.pop(0)[1]
+                seconds += 0.25
+        ours.append(counted * 60 / seconds)
+        for counts, pids, start in zip(theirs, others, before):
+            counts.append(sum(map(wake_ups, pids)) - start)
+    return ours, theirs
+
+
+def measure_idling(kestrel, google, bus):
+    """Beside the reference, which has no calendar but the empty one that every home has."""
+    kestrel.stop()
+    kestrel.start()
+    reference = AlarmNotify(bus)
+    try:
+        time.sleep(30)  # both have settled
+        processes = reference.processes()
+        ours, (alone, together) = idle_wake_ups(kestrel, google, [processes[:1], processes])
+        row("wake-ups a minute, nothing shown", "", ours, 6)
+        row("wake-ups a minute, evolution-alarm-notify", "", alone)
+        row("wake-ups a minute, that and its services", "", together)
+        row("memory, Kestrel, as long after its start", "MB", [memory(kestrel.process.pid)])
+        row("memory, evolution-alarm-notify", "MB", [memory(processes[0])])
+        row("memory, that and its services", "MB", [sum(map(memory, processes))])
+    finally:
+        reference.stop()
+
+
+def measure_memory(kestrel, google, served_since):
+    """Each time in a new process, with a meeting that its card is for."""
+    figures = [[], [], []]
+    for number in range(PROCESSES):
+        kestrel.stop()
+        kestrel.start()
+        time.sleep(6)  # the quiet seconds in which faces are read
+        figures[0].append(memory(kestrel.process.pid))
+        place = {"account": kestrel.json("accounts", "list")[0]["email"], "calendar": "primary"}
+        starts = (time.monotonic() - served_since) / 60 + 4.5
+        google.post("/calendar-events", {**place, "event": {"id": f"soon{number}", "title": "Soon", "startsInMinutes": starts,
+                                                            "meetCode": "kes-demo-now"}})
+        kestrel.done("refresh")
+        kestrel.done("show")
+        time.sleep(5)
+        figures[1].append(memory(kestrel.process.pid))
+        kestrel.done("settings")
+        time.sleep(5)
+        figures[2].append(memory(kestrel.process.pid))
+        google.post("/calendar-events", {**place, "remove": f"soon{number}"})
+    for state, values, budget in zip(("before the first window", "after agenda and card", "after settings, agenda and card"),
+                                     figures, (32, 48, 60)):
+        row(f"memory, {state}", "MB", values, budget)
+
+
+def measure_starts(kestrel, watcher):
+    command = [str(BIN / "kestrel"), *kestrel.options]
+    bare, ours = [], []
+    for _ in range(20):
+        bare.append(milliseconds_to_item(watcher, [str(BIN / "bare-tray")]))
+        ours.append(milliseconds_to_item(watcher, command, kestrel.environment))
+    row("start to status item, bare Qt tray", "ms", bare)
+    row("start to status item", "ms", ours, 3 * percentile(bare, 0.5), note="3 x the bare Qt tray")
 
 
 def main():
-    parts = set(sys.argv[1:]) or {"start", "status", "memory", "wake-ups"}
+    parts = set(sys.argv[1:]) or {"start", "status", "memory", "wake-ups", "refresh"}
     dbus.mainloop.glib.DBusGMainLoop(set_as_default=True)
-    watcher = Watcher(dbus.SessionBus())
+    bus = dbus.SessionBus()
+    watcher = Watcher(bus)
     threading.Thread(target=GLib.MainLoop().run, daemon=True).start()
 
+    served_since = time.monotonic()
     google = SampleGoogle("--events", "50")  # none of which begins in the next hour
     kestrel = Kestrel(google, "--secret-store", "file")
     try:
@@ -133,39 +229,17 @@ def main():
         watcher.registered.clear()
         kestrel.start()
         wait_until(watcher.registered.is_set, "the status item")
-        print(f"{'the running program':<58}{'measured':>15}{'budget':>10}  ratio")
         if "status" in parts:
-            calls = sorted(milliseconds_of([str(BIN / "kestrel"), *kestrel.options, "status"], kestrel.environment)
-                           for _ in range(50))
-            print(f"  kestrel status, 50 calls: shortest {calls[0]:.1f} ms, longest {calls[-1]:.1f} ms")
-            line("kestrel status, from start to exit, median", statistics.median(calls), "ms", 30)
-        if parts & {"memory", "wake-ups"}:
-            time.sleep(5)
+            measure_status(kestrel)
+        if "refresh" in parts:
+            measure_refreshes(kestrel)
         if "memory" in parts:
-            line("memory, signed in, before the first window", memory(kestrel.process.pid), "MB", 32)
+            measure_memory(kestrel, google, served_since)
         if "wake-ups" in parts:
-            line("wake-ups a minute, nothing shown", idle_wake_ups(kestrel.process.pid, google, 3), "", 6)
-        if "memory" in parts:
-            google.post("/calendar-events", {
-                "account": kestrel.json("accounts", "list")[0]["email"], "calendar": "primary",
-                "event": {"id": "soon", "title": "Soon", "startsInMinutes": 4.5, "meetCode": "kes-demo-now"}})
-            kestrel.done("refresh")
-            kestrel.done("show")
-            time.sleep(5)
-            line("memory, after agenda and card", memory(kestrel.process.pid), "MB", 48)
-            kestrel.done("settings")
-            time.sleep(5)
-            line("memory, after settings, agenda and card", memory(kestrel.process.pid), "MB", 60)
+            measure_idling(kestrel, google, bus)
         kestrel.stop()
         if "start" in parts:
-            command = [str(BIN / "kestrel"), *kestrel.options]
-            bare, ours = [], []
-            for _ in range(10):
-                bare.append(milliseconds_to_item(watcher, [str(BIN / "bare-tray")]))
-                ours.append(milliseconds_to_item(watcher, command, kestrel.environment))
-            print(f"  start to status item, bare Qt tray: median {statistics.median(bare):.1f} ms; "
-                  f"Kestrel: median {statistics.median(ours):.1f} ms, longest {max(ours):.1f} ms")
-            line("start to status item", statistics.median(ours), "ms", 3 * statistics.median(bare))
+            measure_starts(kestrel, watcher)
     finally:
         kestrel.close()
         google.stop()
