@@ -43,21 +43,26 @@ GlassCard {
                 anchors.verticalCenter: parent.verticalCenter
                 countdown: root.item.countdown
             }
-            IconButton {
+            Pressable {
                 id: dismissal
 
-                anchors.verticalCenter: parent.verticalCenter
+                accessibleName: qsTrId("alert.dismiss")
                 anchors.right: parent.right
-                symbol: "xmark"
+                anchors.verticalCenter: parent.verticalCenter
                 padding: Metrics.space2
                 radius: height / 2
-                accessibleName: qsTrId("alert.dismiss")
-                color: Theme.text
+
                 background: GlassSurface {
                     radius: dismissal.radius
                     tint: Theme.text
                     tinted: dismissal.hovered
                 }
+                contentItem: Symbol {
+                    color: Theme.text
+                    name: "xmark"
+                    size: Metrics.textSmall
+                }
+
                 onClicked: root.dismissed()
             }
         }

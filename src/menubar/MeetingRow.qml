@@ -14,6 +14,7 @@ Pressable {
     accessibleName: item.summary
     Accessible.description: item.details
     Accessible.role: Accessible.ListItem
+    Accessible.onPressAction: root.item.activate()
     leftPadding: Metrics.space3
     rightPadding: Metrics.space3
     topPadding: Metrics.space2

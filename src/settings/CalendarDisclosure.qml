@@ -17,10 +17,10 @@ Column {
     Pressable {
         id: line
 
+        Accessible.checkable: true
+        Accessible.checked: root.item.calendarsExpanded
         Accessible.role: Accessible.CheckBox
         accessibleName: root.item.calendarsTitle
-        checkable: true
-        checked: root.item.calendarsExpanded
         height: 43
         leftPadding: Metrics.space4
         width: parent.width
@@ -55,7 +55,6 @@ Column {
 
         function flip() {
             root.item.calendarsExpanded = !root.item.calendarsExpanded;
-            checked = Qt.binding(() => root.item.calendarsExpanded);
         }
 
         Accessible.onPressAction: flip()

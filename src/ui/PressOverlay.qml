@@ -1,5 +1,4 @@
 import QtQuick
-import QtQuick.Templates as T
 import Kestrel.Ui
 
 /// What lies over a button that is pressed or has the keyboard: a little darkness, a ring. Goes when nothing of it
@@ -7,9 +6,9 @@ import Kestrel.Ui
 Item {
     id: root
 
-    property T.AbstractButton button
-    readonly property real cornerRadius: (button as Pressable)?.radius ?? 0
-    readonly property bool isDown: button?.down ?? false
+    property Pressable button
+    readonly property real cornerRadius: button?.radius ?? 0
+    readonly property bool isDown: button?.pressed ?? false
     readonly property bool hasRing: button?.visualFocus ?? false
     /// How large the button is while it gives way.
     property real give: isDown ? 0.97 : 1
@@ -20,7 +19,7 @@ Item {
 
     onOpacityChanged: {
         if (opacity === 0 && !isDown && button) {
-            (button as Pressable).overlay = null;
+            button.overlay = null;
             destroy();
         }
     }

@@ -1,20 +1,20 @@
 import QtQuick
-import QtQuick.Templates as T
 import Kestrel.Ui
 
 /// What every button stands on: it gives way when it is pressed, shows where the keyboard is, and has a name
 /// for those who cannot see it.
-T.AbstractButton {
+PressArea {
     id: root
 
+    property string text
     property string accessibleName: text
     property string toolTip
     property real radius: Metrics.radiusSmall
     // Dimming and focus ring lie over whatever content a button has. Neither they nor the bubble are there before
     // they are needed, nor after: an agenda has three dozen buttons, and hardly one is ever touched.
     property Item overlay: null
-    property QtObject bubble: null
-    readonly property bool isLit: down || visualFocus
+    property Item bubble: null
+    readonly property bool isLit: pressed || visualFocus
     readonly property bool isExplained: toolTip !== "" && (hovered || visualFocus)
 
     Accessible.name: root.accessibleName
@@ -22,8 +22,6 @@ T.AbstractButton {
     // Qt 6.4 does not say of a button that it is disabled, and lets a screen reader press it
     Accessible.ignored: !root.enabled
     Accessible.role: Accessible.Button
-    focusPolicy: Qt.StrongFocus
-    hoverEnabled: true
     implicitHeight: implicitContentHeight + topPadding + bottomPadding
     implicitWidth: implicitContentWidth + leftPadding + rightPadding
     scale: overlay ? (overlay as PressOverlay).give : 1
@@ -40,10 +38,9 @@ T.AbstractButton {
     }
     function explain() {
         bubble = Qt.createComponent("ToolTipBubble.qml").createObject(root, {
-            parent: root,
+            explained: root,
             text: root.toolTip
-        });
-        (bubble as ToolTipBubble).visible = true;
+        }) as Item;
     }
 
     Keys.onEnterPressed: root.enter()

@@ -10,6 +10,7 @@
 #include "ui/Symbols.h"
 #include "ui/Theme.h"
 #include <QQmlComponent>
+#include <QSignalSpy>
 #include <QTest>
 #include <cmath>
 #include <memory>
@@ -35,6 +36,8 @@ double contrast(const QColor &one, const QColor &other)
     return std::max(ratio, 1 / ratio);
 }
 
+using Act = void (*)(QQuickView &view);
+
 } // namespace
 
 class TestElements final : public QObject
@@ -51,6 +54,9 @@ private Q_SLOTS:
     void flowPlacesItsItems();
     void aPillCountsOnlyWhileItIsSeen();
     void aButtonGivesWayAndIsAsItWas();
+    void whatIsAClick_data();
+    void whatIsAClick();
+    void aToolTipStaysInTheWindow();
     void chipsShowTheFirstAndThenAll();
 
 private:
@@ -226,6 +232,116 @@ void TestElements::aButtonGivesWayAndIsAsItWas()
     QCOMPARE(WarningCount::seen, 0);
     m_appearance.lessMotion = false;
     Q_EMIT m_appearance.changed();
+}
+
+void TestElements::whatIsAClick_data()
+{
+    QTest::addColumn<Act>("act");
+    QTest::addColumn<int>("clicks");
+    const auto row = [](const char *name, Act act, int clicks) { QTest::newRow(name) << act << clicks; };
+    static constexpr QPoint inside { 5, 5 };
+    static constexpr QPoint outside { 150, 90 };
+    row(
+        "press and release", [](QQuickView &view) { QTest::mouseClick(&view, Qt::LeftButton, {}, inside); },
+        1);
+    row(
+        "twice",
+        [](QQuickView &view) {
+            QTest::mouseClick(&view, Qt::LeftButton, {}, inside);
+            QTest::mouseDClick(&view, Qt::LeftButton, {}, inside); // the second click of a double one
+        },
+        3);
+    row("another button", [](QQuickView &view) { QTest::mouseClick(&view, Qt::RightButton, {}, inside); }, 0);
+    row(
+        "let go elsewhere",
+        [](QQuickView &view) {
+            QTest::mousePress(&view, Qt::LeftButton, {}, inside);
+            QTest::mouseMove(&view, outside);
+            QVERIFY(!view.rootObject()->property("pressed").toBool());
+            QTest::mouseRelease(&view, Qt::LeftButton, {}, outside);
+        },
+        0);
+    row(
+        "away and back",
+        [](QQuickView &view) {
+            QTest::mousePress(&view, Qt::LeftButton, {}, inside);
+            QTest::mouseMove(&view, outside);
+            QTest::mouseMove(&view, inside);
+            QTest::mouseRelease(&view, Qt::LeftButton, {}, inside);
+        },
+        1);
+    row(
+        "the pointer is taken away",
+        [](QQuickView &view) {
+            QTest::mousePress(&view, Qt::LeftButton, {}, inside);
+            view.rootObject()->ungrabMouse();
+            QTest::mouseRelease(&view, Qt::LeftButton, {}, inside);
+        },
+        0);
+    row(
+        "a disabled one",
+        [](QQuickView &view) {
+            view.rootObject()->setEnabled(false);
+            QTest::mouseClick(&view, Qt::LeftButton, {}, inside);
+            QMetaObject::invokeMethod(view.rootObject(), "accessiblePressAction");
+        },
+        0);
+    row("Space", [](QQuickView &view) { QTest::keyClick(&view, Qt::Key_Space); }, 1);
+    row(
+        "Space, and away",
+        [](QQuickView &view) {
+            QTest::keyPress(&view, Qt::Key_Space);
+            view.rootObject()->setFocus(false);
+            view.rootObject()->setFocus(true);
+            QTest::keyRelease(&view, Qt::Key_Space);
+        },
+        0);
+    row("Enter", [](QQuickView &view) { QTest::keyClick(&view, Qt::Key_Return); }, 1);
+    row(
+        "a screen reader's press",
+        [](QQuickView &view) { QMetaObject::invokeMethod(view.rootObject(), "accessiblePressAction"); }, 1);
+}
+
+void TestElements::whatIsAClick()
+{
+    QFETCH(Act, act);
+    QFETCH(int, clicks);
+    const auto view = m_scene.makeView(QUrl(u"qrc:/qt/qml/Kestrel/Ui/IconButton.qml"_s),
+                                       { { u"symbol"_s, u"gearshape"_s } });
+    QVERIFY(view);
+    view->show();
+    QVERIFY(QTest::qWaitForWindowActive(view.get()));
+    view->resize(200, 100);
+    view->rootObject()->forceActiveFocus();
+    const QSignalSpy clicked(view->rootObject(), SIGNAL(clicked()));
+    act(*view);
+    QCOMPARE(clicked.size(), clicks);
+    QVERIFY(!view->rootObject()->property("pressed").toBool());
+}
+
+void TestElements::aToolTipStaysInTheWindow()
+{
+    const QString words(60, u'w');
+    const auto view = m_scene.makeView(QUrl(u"qrc:/qt/qml/Kestrel/Ui/IconButton.qml"_s),
+                                       { { u"symbol"_s, u"gearshape"_s }, { u"toolTip"_s, words } });
+    QVERIFY(view);
+    view->setPosition(100, 100); // not under the pointer
+    view->show();
+    QVERIFY(QTest::qWaitForWindowActive(view.get()));
+    view->resize(200, 100);
+    for (const QPointF place : { QPointF(0, 0), QPointF(170, 70) }) {
+        view->rootObject()->setPosition(place);
+        view->rootObject()->forceActiveFocus(Qt::TabFocusReason);
+        auto *const bubble = view->rootObject()->property("bubble").value<QQuickItem *>();
+        QVERIFY(bubble);
+        QVERIFY(!bubble->isVisible());
+        QVERIFY(QMetaObject::invokeMethod(bubble, "appear"));
+        QVERIFY(bubble->isVisible());
+        const QRectF covered = bubble->mapRectToScene(bubble->boundingRect());
+        QVERIFY2(QRectF(0, 0, 200, 100).contains(covered), qPrintable(QDebug::toString(covered)));
+        QVERIFY(!covered.intersects(view->rootObject()->mapRectToScene(view->rootObject()->boundingRect())));
+        view->rootObject()->setFocus(false, Qt::TabFocusReason);
+    }
 }
 
 void TestElements::chipsShowTheFirstAndThenAll()
