@@ -1,7 +1,8 @@
 #include "google/CalendarDecoder.h"
 #include <QVarLengthArray>
 #include <array>
-#include <functional>
+#include <cstdint>
+#include <cstring>
 #include <simdjson.h>
 #include <string_view>
 #include <tuple>
@@ -56,7 +57,7 @@ public:
     {
         if (utf8.empty() || utf8.size() > longestPooled)
             return fromUtf8(utf8);
-        Entry &entry = m_entries[std::hash<std::string_view>()(utf8) % m_entries.size()];
+        Entry &entry = m_entries[placeOf(utf8)];
         if (entry.utf8 != utf8)
             entry = { utf8, fromUtf8(utf8) };
         return entry.text;
@@ -69,8 +70,25 @@ private:
         QString text;
     };
 
+    /// From the length, the first and the last bytes: no more than texts of few kinds need, and quick.
+    static size_t placeOf(std::string_view utf8)
+    {
+        uint64_t first = 0;
+        uint64_t last = 0;
+        if (utf8.size() >= sizeof first) {
+            std::memcpy(&first, utf8.data(), sizeof first);
+            std::memcpy(&last, utf8.data() + utf8.size() - sizeof last, sizeof last);
+        } else {
+            for (const char byte : utf8)
+                first = first << 8 | static_cast<unsigned char>(byte);
+        }
+        const uint64_t mixed = (first ^ (last << 1 | last >> 63) ^ utf8.size()) * 0x9E37'79B9'7F4A'7C15;
+        return mixed >> (64 - placeBits);
+    }
+
     static constexpr size_t longestPooled = 64;
-    std::array<Entry, 1024> m_entries;
+    static constexpr int placeBits = 10;
+    std::array<Entry, size_t(1) << placeBits> m_entries;
 };
 
 /// What the readers of one answer share.
@@ -166,6 +184,12 @@ constexpr auto fieldsOf<Google::CalendarListResponse> = std::tuple {
     Field { "items", &Google::CalendarListResponse::items },
 };
 
+/// The compiler knows the length of `wanted`, and makes of this a comparison of one or two words.
+[[gnu::always_inline]] inline bool isKey(std::string_view key, std::string_view wanted)
+{
+    return key.size() == wanted.size() && std::memcmp(key.data(), wanted.data(), wanted.size()) == 0;
+}
+
 bool read(const element &json, QString &text, Context &context)
 {
     std::string_view utf8;
@@ -240,7 +264,7 @@ bool read(const element &json, Record &record, Context &context)
             bool isRead = true;
             // the one field of that key reads the value; the value of an unknown key is skipped
             static_cast<void>(
-                ((key == std::get<index>(fields).key
+                ((isKey(key, std::get<index>(fields).key)
                   && (isThere[index] = true,
                       isRead = read(value, record.*std::get<index>(fields).value, context), true))
                  || ...));
@@ -256,14 +280,10 @@ bool read(const element &json, Record &record, Context &context)
     return readFields(std::make_index_sequence<std::tuple_size_v<decltype(fields)>>());
 }
 
-/// The parser keeps its buffers from one answer to the next, about four times the answer's size; those of an
-/// unusually large one are given back.
-constexpr size_t largestKeptAnswer = 1'000'000;
-
 template<typename Answer>
 std::expected<Answer, DecodingError> decode(QByteArrayView json)
 {
-    thread_local simdjson::dom::parser parser;
+    simdjson::dom::parser parser;
 
     std::expected<Answer, DecodingError> answer;
     element root;
@@ -276,8 +296,6 @@ std::expected<Answer, DecodingError> decode(QByteArrayView json)
         const QString place = context.fault.place.isEmpty() ? u"the answer"_s : context.fault.place;
         answer = std::unexpected(DecodingError { place + u": "_s + context.fault.reason });
     }
-    if (parser.capacity() > largestKeptAnswer)
-        parser = simdjson::dom::parser();
     return answer;
 }
 
