@@ -175,29 +175,36 @@ def measure_idling(kestrel, google, bus):
         reference.stop()
 
 
-def measure_memory(kestrel, google, served_since):
+def measure_memory(kestrel, google):
     """Each time in a new process, with a meeting that its card is for."""
-    figures = [[], [], []]
+    states = {"before the first window": 32, "after agenda and card": 48, "after settings, agenda and card": 60}
+    shares, wholes = ({state: [] for state in states} for _ in range(2))
+
+    def note(state):
+        shares[state].append(memory(kestrel.process.pid))
+        wholes[state].append(memory(kestrel.process.pid, "Rss"))
+
     for number in range(PROCESSES):
         kestrel.stop()
         kestrel.start()
         time.sleep(6)  # the quiet seconds in which faces are read
-        figures[0].append(memory(kestrel.process.pid))
+        note("before the first window")
         place = {"account": kestrel.json("accounts", "list")[0]["email"], "calendar": "primary"}
-        starts = (time.monotonic() - served_since) / 60 + 4.5
-        google.post("/calendar-events", {**place, "event": {"id": f"soon{number}", "title": "Soon", "startsInMinutes": starts,
+        google.post("/calendar-events", {**place, "event": {"id": f"soon{number}", "title": "Soon", "startsInMinutes": 4.5,
                                                             "meetCode": "kes-demo-now"}})
         kestrel.done("refresh")
         kestrel.done("show")
         time.sleep(5)
-        figures[1].append(memory(kestrel.process.pid))
+        assert kestrel.log_text().count("Presented alert") == number + 1, "a card each time"
+        note("after agenda and card")
         kestrel.done("settings")
         time.sleep(5)
-        figures[2].append(memory(kestrel.process.pid))
+        note("after settings, agenda and card")
         google.post("/calendar-events", {**place, "remove": f"soon{number}"})
-    for state, values, budget in zip(("before the first window", "after agenda and card", "after settings, agenda and card"),
-                                     figures, (32, 48, 60)):
-        row(f"memory, {state}", "MB", values, budget)
+    for state, budget in states.items():
+        row(f"memory, {state}", "MB", shares[state], budget)
+    for state in states:
+        row(f"resident, {state}", "MB", wholes[state])
 
 
 def measure_starts(kestrel, watcher):
@@ -217,7 +224,6 @@ def main():
     watcher = Watcher(bus)
     threading.Thread(target=GLib.MainLoop().run, daemon=True).start()
 
-    served_since = time.monotonic()
     google = SampleGoogle("--events", "50")  # none of which begins in the next hour
     kestrel = Kestrel(google, "--secret-store", "file")
     try:
@@ -234,7 +240,7 @@ def main():
         if "refresh" in parts:
             measure_refreshes(kestrel)
         if "memory" in parts:
-            measure_memory(kestrel, google, served_since)
+            measure_memory(kestrel, google)
         if "wake-ups" in parts:
             measure_idling(kestrel, google, bus)
         kestrel.stop()

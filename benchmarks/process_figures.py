@@ -19,12 +19,13 @@ def row(what, unit, values, budget=None, held=0.5, note=""):
     print("\t".join(columns), flush=True)
 
 
-def memory(pid):
-    """Proportional set size in MB: what the process has for itself, and its share of what it shares."""
+def memory(pid, kind="Pss"):
+    """In MB. Proportional set size: what the process has for itself, and its share of what it shares. "Rss": all of what it
+    shares as well, whoever else runs."""
     for entry in pathlib.Path(f"/proc/{pid}/smaps_rollup").read_text().splitlines():
-        if entry.startswith("Pss:"):
+        if entry.startswith(kind + ":"):
             return int(entry.split()[1]) / 1024
-    raise AssertionError("no Pss")
+    raise AssertionError(f"no {kind}")
 
 
 def processor_milliseconds(pid):
