@@ -3,6 +3,7 @@
 #include "app/GoogleClientFile.h"
 #include "base/AppIdentifier.h"
 #include "base/Log.h"
+#include "base/OnThread.h"
 #include "command/HandOver.h"
 #include "platform/linux/WindowSystem.h"
 #include <QGuiApplication>
@@ -44,9 +45,7 @@ std::unique_ptr<QCoreApplication> makeApplication(const std::optional<QByteArray
     return std::make_unique<QGuiApplication>(count, words.data());
 }
 
-} // namespace
-
-int main(int argc, char **argv)
+int run(int argc, char **argv)
 {
     const auto windows = wantedWindows(argc, argv);
     const auto application = makeApplication(windows, argc, argv);
@@ -73,4 +72,11 @@ int main(int argc, char **argv)
 
     Application kestrel(*line, *std::move(place), *std::move(client), windows.has_value());
     return line->verb.isEmpty() ? kestrel.run() : kestrel.runVerb();
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    return leaveMain(run(argc, argv));
 }

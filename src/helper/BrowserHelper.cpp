@@ -1,6 +1,7 @@
 #include "helper/BrowserHelper.h"
-#include "base/Awaited.h"
 #include "base/Log.h"
+#include "base/OnThread.h"
+#include "base/StartTask.h"
 #include "chromelauncheradaptor.h"
 #include "helper/BundleInstaller.h"
 #include "meet/protocol/HelperNames.h"
@@ -10,7 +11,6 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QThread>
 #include <unistd.h>
 
 using namespace Qt::StringLiterals;
@@ -192,17 +192,11 @@ BrowserHelper::Answer BrowserHelper::install(QString caller, QString source, QSt
     if (folder.isEmpty() || !(co_await programOf(caller)).startsWith(folder + u'/'))
         co_return refusal(u"%1 is not the folder of the Kestrel that is running"_s.arg(source));
 
-    const auto outcome = std::make_shared<std::expected<void, QString>>();
     // scripts go on being run meanwhile
-    std::unique_ptr<QThread> thread(QThread::create(
-        [outcome, folder, places] { *outcome = installBundle(folder, places, installPatience); }));
-    const Awaited<bool> finished;
-    connect(thread.get(), &QThread::finished, this, [finished] { finished.settle(true); });
-    thread->start();
-    co_await finished;
-    thread->wait();
-    if (!*outcome)
-        co_return refusal(outcome->error());
+    const auto outcome = co_await onThread<std::expected<void, QString>>(
+        [folder, places] { return installBundle(folder, places, installPatience); });
+    if (!outcome)
+        co_return refusal(outcome.error());
     // not every bus watches a folder that was not there when it started
     co_await m_bus.asyncCall(busCall(u"ReloadConfig"_s));
 

@@ -1,5 +1,6 @@
 #include "base/AppIdentifier.h"
 #include "base/Log.h"
+#include "base/OnThread.h"
 #include "helper/BrowserHelper.h"
 #include "platform/linux/HomeInstallPlaces.h"
 #include <QCommandLineParser>
@@ -71,9 +72,7 @@ HelperOptions readOptions(const QCoreApplication &application)
     return options;
 }
 
-} // namespace
-
-int main(int argc, char **argv)
+int run(int argc, char **argv)
 {
     // browsers are no services, and not every reader of our pipes lives long
     ::unsetenv("DBUS_STARTER_ADDRESS");
@@ -98,4 +97,11 @@ int main(int argc, char **argv)
     }
     BrowserHelper helper(std::move(options), bus);
     return helper.claimName() ? QCoreApplication::exec() : 0;
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    return leaveMain(run(argc, argv));
 }

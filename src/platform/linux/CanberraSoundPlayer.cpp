@@ -9,8 +9,6 @@
 #include <atomic>
 #include <canberra.h>
 #include <expected>
-#include <system_error>
-#include <thread>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -119,17 +117,14 @@ void CanberraSoundPlayer::play(const QString &name)
 {
     if (m_output->isBusy.exchange(true))
         return;
-    try {
-        std::thread([output = m_output, name] {
-            const auto played = output->play(name);
-            if (!played && !std::exchange(output->hasComplained, true))
-                qCWarning(lcAlerts).noquote() << "No sound:" << errorForLog(played.error());
-            output->isBusy = false;
-        }).detach();
-    } catch (const std::system_error &error) {
-        qCWarning(lcAlerts) << "No sound:" << error.what();
+    const bool isStarted = startThread([output = m_output, name] {
+        const auto played = output->play(name);
+        if (!played && !std::exchange(output->hasComplained, true))
+            qCWarning(lcAlerts).noquote() << "No sound:" << errorForLog(played.error());
+        output->isBusy = false;
+    });
+    if (!isStarted)
         m_output->isBusy = false;
-    }
 }
 
 QCoro::Task<SoundCondition> CanberraSoundPlayer::condition(QString name)
