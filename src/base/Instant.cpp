@@ -26,7 +26,9 @@ int readDigits(QStringView text, qsizetype &position, int digits)
 
 bool readCharacter(QStringView text, qsizetype &position, char16_t expected)
 {
-    return position < text.size() && text[position++].unicode() == expected;
+    if (position == text.size())
+        return false;
+    return text[position++].unicode() == expected;
 }
 
 } // namespace
