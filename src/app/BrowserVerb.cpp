@@ -20,6 +20,10 @@ BrowserPlaces browserPlaces(const InstancePlace &place)
                                + u"/kestrel/browser-extension"_s,
                            place.browserSockets,
                            companionProgram("kestrel-browser-relay"_L1) };
+    if (const QString prefix = installPrefix(); place.install.isPassing(prefix + u'/')) {
+        places.isPassing = true;
+        places.relayProgram = place.install.destination + places.relayProgram.sliced(prefix.size());
+    }
     if (!place.dataFolder.isEmpty()) {
         places.home = place.dataFolder + u"/home"_s;
         places.configuration = places.home + u"/.config"_s;

@@ -1,6 +1,7 @@
 """A Kestrel that is started from a stick: it offers to install itself, and the installed copy takes over."""
 
 import contextlib
+import json
 import os
 import pathlib
 import shutil
@@ -101,6 +102,10 @@ class SelfInstall(unittest.TestCase):
         self.assertEqual(kestrel.wait(30), 0, self.log_text())
 
     def test_the_installed_copy_takes_over(self):
+        connect = [self.bundle / "bin/kestrel", "browser", "install"]
+        refused = self.verb(*connect)
+        self.assertEqual((refused.returncode, refused.stdout), (1, ""))
+        self.assertIn("Install it on this computer first", refused.stderr)
         kestrel = self.start()
         self.press("Return")
         self.assertEqual(kestrel.wait(60), 0, self.log_text())
@@ -118,6 +123,11 @@ class SelfInstall(unittest.TestCase):
             self.assertEqual((share / ICON).read_text(), "<svg/>")
             service = (share / "share/dbus-1/services/app.kestrel.Kestrel.ChromeLauncher.service").read_text()
             self.assertIn(f"Exec='{self.installed}/libexec/kestrel/kestrel-browser-helper'", service)
+        with self.subTest("browsers are told of it, also from the stick"):
+            self.verb(*connect)
+            manifest = self.home / ".config/chromium/NativeMessagingHosts/app.kestrel.kestrel.json"
+            self.assertEqual(json.loads(manifest.read_text())["path"],
+                             f"{self.installed}/libexec/kestrel/kestrel-browser-relay")
         with self.subTest("and it offers nothing"):
             self.assertFalse(windows(NOTICE))
 

@@ -61,6 +61,19 @@ class TestBrowserSetup final : public QObject
 {
     Q_OBJECT
 private Q_SLOTS:
+    void namesNoRelayThatGoesAway()
+    {
+        Home home({ u"chromium"_s });
+        home.places.relayProgram += u" of nobody"_s;
+        for (const bool isPassing : { false, true }) {
+            home.places.isPassing = isPassing;
+            const auto installed = home.setup().install();
+            QVERIFY(!installed);
+            QCOMPARE(installed.error().contains("Install it on this computer first"_L1), isPassing);
+            QVERIFY(!QFileInfo::exists(home.manifest(u"config/chromium"_s)));
+        }
+    }
+
     void replacesAnotherExtensionWholly()
     {
         Home home({});

@@ -241,7 +241,12 @@ HostManifest BrowserSetup::manifestOf(const BrowserCondition &browser) const
 
 std::expected<QList<BrowserInstallation>, QString> BrowserSetup::install() const
 {
-    if (!QFileInfo(m_places.relayProgram).isExecutable())
+    const bool hasRelay = QFileInfo(m_places.relayProgram).isExecutable();
+    if (!hasRelay && m_places.isPassing)
+        return std::unexpected(
+            u"This Kestrel goes away with the medium that it runs from, and browsers would "
+            "not find it any more. Install it on this computer first."_s);
+    if (!hasRelay)
         return failure(m_places.relayProgram, u"the program is missing, so browsers could not start it"_s);
     const auto files = shippedFiles();
     if (!files)

@@ -19,6 +19,7 @@ struct BrowserPlaces
     QString extension; ///< its copy, which browsers load
     QString sockets; ///< of the relays
     QString relayProgram;
+    bool isPassing = false; ///< this Kestrel goes away with its medium: `relayProgram` is the installed one's
 };
 
 /// What a browser knows of our relay, by its native-messaging manifest.
