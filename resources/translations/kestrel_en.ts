@@ -521,6 +521,10 @@ Afterwards, “kestrel browser status” in a terminal says whether everything i
         <source>settings.hotkey.reset</source>
         <translation>Back to the default shortcut</translation>
     </message>
+    <message id="settings.hotkey.same_keys %@">
+        <source>settings.hotkey.same_keys %@</source>
+        <translation>“%1” has the same keys, so only one of the two works. Please choose others.</translation>
+    </message>
     <message id="settings.integer.range %lld %lld">
         <source>settings.integer.range %lld %lld</source>
         <translation>A whole number from %1 to %2, please. The old one is still in use.</translation>

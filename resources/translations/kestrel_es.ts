@@ -521,6 +521,10 @@ Después, «kestrel browser status» en un terminal te dirá si todo está listo
         <source>settings.hotkey.reset</source>
         <translation>Volver al atajo predeterminado</translation>
     </message>
+    <message id="settings.hotkey.same_keys %@">
+        <source>settings.hotkey.same_keys %@</source>
+        <translation>«%1» tiene las mismas teclas, así que solo funciona uno de los dos. Elige otras.</translation>
+    </message>
     <message id="settings.integer.range %lld %lld">
         <source>settings.integer.range %lld %lld</source>
         <translation>Escribe un número entero del %1 al %2. Sigue valiendo el anterior.</translation>

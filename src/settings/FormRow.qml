@@ -11,7 +11,9 @@ Item {
     property string error
     default property alias control: holder.data
 
-    implicitHeight: Math.max(44, texts.height + 2 * Metrics.space2, holder.height + 2 * Metrics.space2)
+    readonly property real wantedHeight: Math.max(texts.height, holder.height) + 2 * Metrics.space2
+
+    implicitHeight: Math.max(44, wantedHeight)
     width: parent?.width ?? 0
 
     Rectangle {

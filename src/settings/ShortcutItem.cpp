@@ -1,6 +1,7 @@
 #include "settings/ShortcutItem.h"
 #include "hotkeys/ActionLabel.h"
 #include "preferences/Preferences.h"
+#include <algorithm>
 
 namespace kestrel {
 
@@ -28,6 +29,19 @@ QString ShortcutItem::label() const
     return actionLabel(m_action);
 }
 
+QString ShortcutItem::error() const
+{
+    const Hotkey own = m_preferences.hotkey(m_action);
+    if (own.isNone() || !isInUse(m_action))
+        return {};
+    const auto twin = std::ranges::find_if(hotkeyActions(), [&](const HotkeyActionRow &other) {
+        return other.action != m_action && isInUse(other.action) && m_preferences.hotkey(other.action) == own;
+    });
+    return twin == hotkeyActions().end()
+        ? QString()
+        : qtTrId("settings.hotkey.same_keys %@").arg(actionLabel(twin->action));
+}
+
 void ShortcutItem::reset()
 {
     m_preferences.resetHotkey(m_action);
@@ -36,6 +50,13 @@ void ShortcutItem::reset()
 void ShortcutItem::follow()
 {
     m_recorder.setHotkey(m_preferences.hotkey(m_action));
+    Q_EMIT changed(); // also when another one's keys are the same now
+}
+
+bool ShortcutItem::isInUse(HotkeyAction action) const
+{
+    return action == HotkeyAction::join ? m_preferences.enableJoinShortcut()
+                                        : m_preferences.enableMeetControls();
 }
 
 } // namespace kestrel

@@ -14,6 +14,8 @@ class ShortcutItem final : public QObject
     QML_ELEMENT
     QML_UNCREATABLE("the settings' model makes it")
     Q_PROPERTY(QString label READ label NOTIFY changed)
+    /// What keeps it from working, or another one: both have the same keys. Empty while all is well.
+    Q_PROPERTY(QString error READ error NOTIFY changed)
     Q_PROPERTY(kestrel::KeyRecorder *recorder READ recorder CONSTANT)
 public:
     ShortcutItem(HotkeyAction action, Preferences &preferences, HotkeyDispatcher &dispatcher,
@@ -22,6 +24,7 @@ public:
     void retranslate();
 
     [[nodiscard]] QString label() const;
+    [[nodiscard]] QString error() const;
     [[nodiscard]] KeyRecorder *recorder() { return &m_recorder; }
 
     Q_INVOKABLE void reset();
@@ -31,6 +34,8 @@ Q_SIGNALS:
 
 private:
     void follow();
+
+    [[nodiscard]] bool isInUse(HotkeyAction action) const;
 
     HotkeyAction m_action;
     Preferences &m_preferences;

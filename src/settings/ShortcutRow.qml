@@ -8,7 +8,8 @@ FormRow {
 
     required property ShortcutItem shortcut
 
-    implicitHeight: 40
+    error: root.shortcut.error
+    implicitHeight: error === "" ? 40 : wantedHeight
     label: root.shortcut.label
 
     Row {

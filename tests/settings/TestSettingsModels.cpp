@@ -19,6 +19,7 @@ private Q_SLOTS:
     void onlySensibleNumbersAreTaken();
     void theWindowsSizeGoesBack();
     void shortcutsAreRecordedAndGoBack();
+    void sameKeysOfTwoActionsAreSaid();
     void aCalendarIsSwitched_data();
     void aCalendarIsSwitched();
     void calendarsAreColoured();
@@ -174,6 +175,26 @@ void TestSettingsModels::shortcutsAreRecordedAndGoBack()
     mute.reset();
     QCOMPARE(mute.recorder()->hotkey(), byDefault);
     QCOMPARE(desk.preferences.hotkeyMeetMuteRaw(), QString());
+}
+
+void TestSettingsModels::sameKeysOfTwoActionsAreSaid()
+{
+    SettingsDesk desk;
+    ShortcutItem &join = *desk.settings.meetings()->joinShortcut();
+    ShortcutItem &mute = *qobject_cast<ShortcutItem *>(desk.settings.meetings()->meetShortcuts().first());
+    desk.preferences.setEnableMeetControls(true);
+    desk.preferences.setHotkey(desk.preferences.hotkey(HotkeyAction::join), HotkeyAction::meetMute);
+    QVERIFY2(mute.error().isEmpty(), "joining is not by keys yet");
+    const QSignalSpy changes(&mute, &ShortcutItem::changed);
+    desk.preferences.setEnableJoinShortcut(true);
+    QVERIFY(!changes.isEmpty());
+    QVERIFY(mute.error().contains(join.label()));
+    QVERIFY(join.error().contains(mute.label()));
+    mute.reset();
+    QCOMPARE(mute.error() + join.error(), QString());
+    for (const HotkeyAction action : { HotkeyAction::join, HotkeyAction::meetMute })
+        desk.preferences.setHotkey({}, action);
+    QCOMPARE(mute.error() + join.error(), QString());
 }
 
 void TestSettingsModels::aCalendarIsSwitched_data()
