@@ -12,6 +12,7 @@
 #include "platform/linux/QtHttpTransport.h"
 #include "platform/linux/SecretServiceStore.h"
 #include "platform/linux/SystemConnectivity.h"
+#include "preferences/Preferences.h"
 #include <QCoreApplication>
 #include <QPointer>
 #include <QThread>
@@ -58,7 +59,7 @@ Application::Application(const CommandLine &line, InstancePlace place, GoogleCli
         m_place.startArguments += { u"--secret-store"_s, m_line.secretStore };
     m_language.apply(*m_preferenceStore);
     QObject::connect(m_preferenceStore.get(), &PreferenceStore::changedElsewhere, m_preferenceStore.get(),
-                     [this] { followLanguage(); });
+                     [this] { followSettingsOfOthers(); });
     QObject::connect(m_preferenceStore.get(), &PreferenceStore::writeFailed, m_preferenceStore.get(),
                      [](const QString &path, const QString &reason) {
                          qCWarning(lcApp).noquote().nospace()
@@ -68,6 +69,13 @@ Application::Application(const CommandLine &line, InstancePlace place, GoogleCli
 }
 
 Application::~Application() = default;
+
+void Application::followSettingsOfOthers()
+{
+    if (m_delegate)
+        m_delegate->environment().preferences().applyLanguageOverride();
+    followLanguage();
+}
 
 void Application::followLanguage()
 {
@@ -125,6 +133,9 @@ int Application::run()
     if (claimed == SessionInstance::Claim::Unreachable)
         return printResult(failure(ExitCode::Failed, noBusMessage));
 
+    // before the first text: somebody may have edited the file
+    Preferences(*m_preferenceStore).applyLanguageOverride();
+    m_language.apply(*m_preferenceStore);
     const TerminationSignals signals;
     QObject::connect(m_instance.get(), &SessionInstance::busLost, m_instance.get(), [] {
         qCCritical(lcApp) << "The session bus is gone, and Kestrel ends with it";

@@ -43,6 +43,8 @@ private:
     /// The accounts and their sign-in, without the refresh loop.
     void makeAccounts();
     void followLanguage();
+    /// Another process, or the person, wrote the file.
+    void followSettingsOfOthers();
     [[nodiscard]] AuthServices services();
 
     CommandLine m_line;

@@ -167,5 +167,19 @@ class OnScreen(unittest.TestCase):
             start_panel(self)
             wait_until(lambda: item_property("XAyatanaLabel"), "the status item again")
 
+    def test_the_language_that_somebody_writes_into_the_file(self):
+        kestrel = self.kestrel
+        kestrel.start()
+        file = kestrel.data / "kestrel.ini"
+        wait_until(lambda: file.exists() and "hasShownInitialAutoOpen" in file.read_text(), "all that the first start writes")
+        file.write_text(file.read_text() + "languageOverrideRaw=es\n")
+        kestrel.done("settings")
+        wait_until(lambda: windows("Ajustes de Kestrel"), f"Spanish while it runs: {file.read_text()}")
+        kestrel.stop()
+        file.write_text(file.read_text().replace("languageOverrideRaw=es", "languageOverrideRaw=en"))
+        kestrel.start()
+        kestrel.done("settings")
+        wait_until(lambda: windows("Kestrel Settings"), f"English at the first start: {file.read_text()}")
+
 
 unittest.main()
