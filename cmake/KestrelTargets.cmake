@@ -76,7 +76,6 @@ set(KESTREL_TEST_ENVIRONMENT
     "LANG=C.UTF-8"
     "LC_ALL=C.UTF-8"
     "ASAN_OPTIONS=detect_leaks=1"
-    "LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/support/lsan.supp:print_suppressions=0"
     "UBSAN_OPTIONS=print_stacktrace=1")
 
 # A Qt Test program in tests/<folder>/. WRAPPER is a command line that starts it (a private bus, say).

@@ -1,6 +1,6 @@
 import QtQuick
-import QtQuick.Controls.Basic as Basic
 import Kestrel.App
+import Kestrel.Settings
 import Kestrel.Ui
 
 /// What the agenda shows while no account is connected: what Kestrel is for, the way in, and a word on privacy.
@@ -59,23 +59,11 @@ Column {
         onClicked: root.model.connectAccount()
     }
 
-    Basic.BusyIndicator {
+    WorkingSymbol {
         anchors.horizontalCenter: parent.horizontalCenter
-        visible: root.model.isSigningIn && Theme.motionAllowed
-        running: visible
-        scale: 0.7
-        Accessible.role: Accessible.Animation
-        Accessible.name: qsTrId("settings.accounts.signing_in")
-    }
-
-    Symbol {
-        anchors.horizontalCenter: parent.horizontalCenter
-        visible: root.model.isSigningIn && !Theme.motionAllowed
-        name: "hourglass"
+        visible: root.model.isSigningIn
+        accessibleName: qsTrId("settings.accounts.signing_in")
         size: 20
-        Accessible.role: Accessible.Animation
-        Accessible.name: qsTrId("settings.accounts.signing_in")
-        color: Theme.secondaryText
     }
 
     PlainLabel {
