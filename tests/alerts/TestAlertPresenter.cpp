@@ -152,6 +152,7 @@ void TestAlertPresenter::showsAnyMeetingWithoutOverlap()
     collectTexts(view->rootObject(), texts);
     QList<QRectF> drawn;
     for (const QQuickItem *text : texts) {
+        QCOMPARE(text->property("textFormat").toInt(), int(Qt::PlainText));
         const QRectF rect = text->mapRectToScene(text->boundingRect());
         QVERIFY2(body.adjusted(16, 8, -15, -8).contains(rect), qPrintable(text->property("text").toString()));
         QVERIFY(std::ranges::none_of(
@@ -160,6 +161,10 @@ void TestAlertPresenter::showsAnyMeetingWithoutOverlap()
     }
     QVERIFY(std::ranges::any_of(
         texts, [&](const QQuickItem *text) { return text->property("text").toString() == meeting.title; }));
+    if (meeting.meetingURL) // nobody joins without being told where
+        QVERIFY(std::ranges::any_of(texts, [&](const QQuickItem *text) {
+            return text->property("text").toString().contains(meeting.platform.displayName());
+        }));
 }
 
 void TestAlertPresenter::closesTheGapOfADismissedCard_data()

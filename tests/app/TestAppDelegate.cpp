@@ -65,6 +65,29 @@ private Q_SLOTS:
         QCOMPARE(google->opener.opened.size(), 2);
     }
 
+    void nothingIsOpenedBeforeThePersonJoins()
+    {
+        google->preferences.setBoolean(u"popover.hasShownInitialAutoOpen.v1"_s, true);
+        AccountRegistry(google->preferences).add(google->account(u"A"_s));
+        start();
+        const Instant begin = google->clock.now() + 10min;
+        delegate->environment().store().replace(u"A"_s, { meeting(u"hostile"_s, begin, 30min) });
+        QTRY_COMPARE(desktop->alertTimer.armed, begin - 5min);
+        Q_EMIT desktop->statusItem.activated({});
+        // both of its alerts, its start and its end
+        for (const auto passed : { -5min, -1min, 0min, 10min, 31min }) {
+            google->clock.setNow(begin + passed);
+            desktop->alertTimer.fire();
+            QTRY_VERIFY2(isShown(u"hostile"_s), "its card");
+        }
+        QCOMPARE(google->opener.opened, QList<QUrl>());
+        QCOMPARE(desktop->helper.opened.size(), 0);
+
+        google->clock.setNow(begin);
+        QVERIFY(delegate->joinNextMeeting());
+        QCOMPARE(google->opener.opened, QList { QUrl(u"https://meet.example.com/hostile"_s) });
+    }
+
     void onboardingSaysWhatWentWrongAndForgetsItAtTheNextPress()
     {
         google->preferences.setBoolean(u"popover.hasShownInitialAutoOpen.v1"_s, true);

@@ -2,6 +2,7 @@
 
 import json
 import os
+import pathlib
 import re
 import signal
 import subprocess
@@ -36,6 +37,13 @@ class SignedIn(unittest.TestCase):
     def service(self):
         return re.search(r"app\.kestrel\.Kestrel\.data_[0-9a-f]+", bus_names())[0]
 
+    def kept_on_disk(self):
+        """Every file of Kestrel's folder, and of the home but for the keyring's."""
+        roots = [self.kestrel.data, *(pathlib.Path(os.environ[name]) for name in ("HOME", "XDG_RUNTIME_DIR"))]
+        files = [file for root in roots for file in root.rglob("*")
+                 if file.is_file() and "keyring" not in str(file.relative_to(root))]
+        return b"\n".join(file.read_bytes() for file in files)
+
     def titles(self):
         return [meeting["title"] for meeting in self.kestrel.json("agenda")]
 
@@ -56,7 +64,12 @@ class SignedIn(unittest.TestCase):
         self.assertTrue(all(m["meetingURL"] is None or m["meetingURL"].startswith("https://") for m in meetings))
         self.assertTrue(all(not m["isCancelled"] and m["title"] for m in meetings))
         self.assertEqual(len(secrets_of(service)), 2, "one refresh token and one access token")
-        self.assertNotIn("token", (kestrel.data / "kestrel.ini").read_text())
+        kept = self.kept_on_disk()
+        self.assertIn(b"robin.sample@example.com", kept)
+        tokens = ["sample-access-", "1//sample-"]
+        private = [m["title"] for m in meetings] + [m["meetingURL"] for m in meetings if m["meetingURL"]]
+        for text in tokens + private:
+            self.assertNotIn(text.encode(), kept)
 
         with self.subTest("a second start hands over and ends"):
             second = kestrel.verb()
@@ -73,7 +86,10 @@ class SignedIn(unittest.TestCase):
         self.assertEqual(secrets_of(service), [])
         self.assertEqual(kestrel.json("agenda"), [])
         self.assertIn("/revoke", [request["path"] for request in self.google.get("/requests")["requests"]])
-        self.assertNotRegex(kestrel.log_text(), "(?i)bearer|refresh_token|access_token|code=")
+        log = kestrel.log_text()
+        self.assertNotRegex(log, "(?i)bearer|refresh_token|access_token|code=")
+        for text in tokens + private:
+            self.assertNotIn(text, log)
 
     def test_a_panel_follows_the_status_through_a_restart(self):
         kestrel = self.kestrel

@@ -52,6 +52,13 @@ private Q_SLOTS:
         event.status = u"Cancelled"_s;
         QVERIFY(!map(event));
 
+        event = plainEvent(); // declined
+        Google::Attendee self;
+        self.self = true;
+        self.responseStatus = u"declined"_s;
+        event.attendees = { self };
+        QVERIFY(map(event));
+
         event = plainEvent();
         std::swap(event.start, event.end); // ends before it starts
         QVERIFY(map(event));

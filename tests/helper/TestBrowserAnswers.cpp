@@ -42,6 +42,20 @@ private Q_SLOTS:
         QFETCH(const QString, ran);
         QCOMPARE(described(ranInPage(QJsonDocument::fromJson(QTest::currentDataTag()).object())), ran);
     }
+
+    void onlyPagesOfTheMeetHostAreTouched()
+    {
+        QStringList touched;
+        for (const char *address :
+             { "https://meet.google.com/abc", "http://meet.google.com/", "https://meet.google.com:8443/",
+               "https://meet.google.com.example.org/", "https://example.org/?https://meet.google.com/",
+               "data:text/html,https://meet.google.com/", "file:///https://meet.google.com/" }) {
+            const DevToolsPage page { u"1"_s, QString::fromLatin1(address) };
+            if (page.showsMeet(u"meet.google.com"_s))
+                touched.append(page.address);
+        }
+        QCOMPARE(touched, QStringList { u"https://meet.google.com/abc"_s });
+    }
 };
 
 QTEST_GUILESS_MAIN(TestBrowserAnswers)

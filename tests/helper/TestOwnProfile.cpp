@@ -48,6 +48,35 @@ private Q_SLOTS:
                  u"ok true -"_s);
     }
 
+    void theBrowserListensNowhere()
+    {
+        QSet<QString> listening; // sockets, by their inodes
+        for (const auto &table : { u"/proc/net/tcp"_s, u"/proc/net/tcp6"_s }) {
+            QFile file(table);
+            QVERIFY(file.open(QIODevice::ReadOnly));
+            for (const QString &line : QString::fromLatin1(file.readAll()).split(u'\n')) {
+                const QStringList fields = line.simplified().split(u' ');
+                if (fields.value(3) == "0A"_L1)
+                    listening.insert(u"socket:[%1]"_s.arg(fields.value(9)));
+            }
+        }
+        QVERIFY2(!listening.isEmpty(), "the page of the call has a server");
+        const QString profile = u"--user-data-dir="_s + m_session->folder.filePath(u"profile"_s);
+        int sockets = 0;
+        for (const QString &process : QDir(u"/proc"_s).entryList({ u"[0-9]*"_s }, QDir::Dirs)) {
+            QFile command(u"/proc/%1/cmdline"_s.arg(process));
+            if (!command.open(QIODevice::ReadOnly)
+                || !command.readAll().split('\0').contains(QFile::encodeName(profile)))
+                continue;
+            for (const QFileInfo &entry : QDir(u"/proc/%1/fd"_s.arg(process)).entryInfoList(QDir::System)) {
+                const QString open = QFileInfo(entry.symLinkTarget()).fileName();
+                sockets += open.startsWith("socket:"_L1) ? 1 : 0;
+                QVERIFY(!listening.contains(open));
+            }
+        }
+        QVERIFY2(sockets > 0, "the browser was looked at");
+    }
+
     void runsScripts_data()
     {
         QTest::addColumn<QString>("source");

@@ -270,6 +270,10 @@ void TestAgenda::drawsWithoutAWarning()
         QVERIFY2(height > 40 && height <= 764, qPrintable(QString::number(height)));
         const auto items = window.view()->rootObject()->findChildren<QQuickItem *>();
         QVERIFY2(items.size() < 1500, "not every row may have been made");
+        for (const QQuickItem *item : items) {
+            if (item->inherits("QQuickText"))
+                QCOMPARE(item->property("textFormat").toInt(), int(Qt::PlainText));
+        }
         // what is shown changes and goes while it is shown
         if (meetings.size() > 1)
             meetings.swapItemsAt(0, 1);
