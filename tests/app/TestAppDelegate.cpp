@@ -69,7 +69,10 @@ private Q_SLOTS:
     {
         google->preferences.setBoolean(u"popover.hasShownInitialAutoOpen.v1"_s, true);
         AccountRegistry(google->preferences).add(google->account(u"A"_s));
+        google->answerEvents(u"primary"_s, {});
         start();
+        QTRY_VERIFY2(delegate->environment().lastRefresh(),
+                     "the refresh of the start takes nothing away later");
         const Instant begin = google->clock.now() + 10min;
         delegate->environment().store().replace(u"A"_s, { meeting(u"hostile"_s, begin, 30min) });
         QTRY_COMPARE(desktop->alertTimer.armed, begin - 5min);
