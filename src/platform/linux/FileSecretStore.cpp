@@ -110,7 +110,7 @@ SecretStatus FileSecretStore::change(Change change, const SecretItem &item, cons
 
 std::expected<FileSecretStore::Content, QString> FileSecretStore::load() const
 {
-    // before it is read, and before replaceFile takes its permissions over
+    // before it is read, and before QSaveFile takes its permissions over
     if (QFile::permissions(m_path) & others)
         QFile::setPermissions(m_path, onlyMine);
     const auto bytes = readFile(m_path);

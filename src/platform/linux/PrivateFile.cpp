@@ -2,11 +2,11 @@
 #include <QDateTime>
 #include <QFile>
 #include <QFileInfo>
-#include <QScopeGuard>
+#include <QSaveFile>
 #include <algorithm>
 #include <cerrno>
 #include <cstdlib>
-#include <fcntl.h>
+#include <cstring>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -14,25 +14,6 @@ using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 
 namespace kestrel {
-
-namespace {
-
-/// Of the system call that just failed.
-std::unexpected<QString> failure()
-{
-    return std::unexpected(qt_error_string(errno));
-}
-
-/// What symbolic links lead to, which need not be there.
-QString endOfLinks(const QString &path)
-{
-    QFileInfo entry(path);
-    for (int count = 0; entry.isSymLink() && count < 40; ++count)
-        entry.setFile(entry.symLinkTarget());
-    return entry.filePath();
-}
-
-} // namespace
 
 std::expected<void, QString> makePrivateFolder(const QString &folder)
 {
@@ -53,39 +34,26 @@ std::expected<void, QString> makePrivateFolder(const QString &folder)
 
 std::expected<void, QString> replaceFile(const QString &path, const QByteArray &content)
 {
-    const QString target = endOfLinks(path);
-    const QByteArray name = QFile::encodeName(target);
-    struct stat present {};
-    const bool exists = ::stat(name.constData(), &present) == 0;
-    if (exists && S_ISDIR(present.st_mode))
-        return std::unexpected(qt_error_string(EISDIR));
-    if (exists && ::access(name.constData(), W_OK) != 0)
-        return failure();
-
-    // Not QSaveFile, which makes its file with what the umask leaves of 0666: the umask is the process's, and
-    // other threads create files and start browsers meanwhile.
-    QByteArray fresh = name + ".XXXXXX";
-    const int file = ::mkostemp(fresh.data(), O_CLOEXEC);
-    if (file < 0)
-        return failure();
-    auto removal = qScopeGuard([&fresh] { ::unlink(fresh.constData()); });
-    const auto written = [&]() -> std::expected<void, QString> {
-        if (exists && ::fchmod(file, present.st_mode & 07777) != 0)
-            return failure();
-        const ssize_t count = ::write(file, content.constData(), size_t(content.size()));
-        if (count < 0)
-            return failure();
-        if (count != content.size())
-            return std::unexpected(u"there is no room for all of it, perhaps because the disk is full"_s);
-        // some file systems say only now that they are full
-        return ::fsync(file) == 0 ? std::expected<void, QString>() : failure();
-    }();
-    ::close(file);
-    if (!written)
-        return written;
-    if (::rename(fresh.constData(), name.constData()) != 0)
-        return failure();
-    removal.dismiss();
+    const bool isNew = !QFileInfo::exists(path); // an old one's permissions are taken over
+    QSaveFile file(path);
+    // Unbuffered, because a buffer that is only partly written, as on a full disk, passes for written and the
+    // file is then replaced by half of it (Qt 6.4).
+    if (!file.open(QIODevice::WriteOnly | QIODevice::Unbuffered))
+        return std::unexpected(file.errorString());
+    // QSaveFile creates it with what the umask leaves of 0666. The umask is the process's, and other threads
+    // create files and start browsers meanwhile; nothing is in it yet.
+    if (isNew && ::fchmod(file.handle(), S_IRUSR | S_IWUSR) != 0)
+        return std::unexpected(qt_error_string(errno));
+    if (file.write(content) != content.size()) {
+        return std::unexpected(file.error() == QFileDevice::NoError
+                                   ? u"there is no room for all of it, perhaps because the disk is full"_s
+                                   : file.errorString());
+    }
+    // some file systems say only now that they are full, and commit() does not listen
+    if (::fsync(file.handle()) != 0)
+        return std::unexpected(qt_error_string(errno));
+    if (!file.commit())
+        return std::unexpected(file.errorString());
     return {};
 }
 
