@@ -116,6 +116,7 @@ QString sizesOf(const QVariant &pixmaps)
                       : width > height               ? u"wide"_s
                                                      : QString::number(width));
     }
+    argument.endArray();
     return sizes.join(u' ');
 }
 
@@ -188,6 +189,7 @@ private Q_SLOTS:
         toolTip.beginArray();
         toolTip.endArray();
         toolTip >> title;
+        toolTip.endStructure();
         QTEST(title, "toolTip");
     }
 
