@@ -112,9 +112,9 @@ QString sizesOf(const QVariant &pixmaps)
         argument.beginStructure();
         argument >> width >> height >> bytes;
         argument.endStructure();
-        sizes << (bytes.size() != 4 * width * height ? u"broken"_s
-                      : width > height               ? u"wide"_s
-                                                     : QString::number(width));
+        sizes << (bytes.size() != 4 * qsizetype(width) * height ? u"broken"_s
+                      : width > height                          ? u"wide"_s
+                                                                : QString::number(width));
     }
     argument.endArray();
     return sizes.join(u' ');
