@@ -39,7 +39,8 @@ void EventStore::replace(const QString &accountID, const QList<Meeting> &meeting
 {
     // The list is sorted already, so only what is new needs sorting; pointers, because a meeting is dear to
     // move. Copying one is dearer still, so what stays is moved over.
-    const QList<Meeting> given = meetings; // may be our own list
+    // A copy, since `meetings` may be our own list.
+    const QList<Meeting> given = meetings; // NOLINT(performance-unnecessary-copy-initialization)
     std::vector<const Meeting *> added;
     added.reserve(static_cast<size_t>(given.size()));
     for (const Meeting &meeting : given) {

@@ -56,7 +56,7 @@ size_t qHash(const Painted &painted, size_t seed = 0)
 template<typename Paint>
 QImage sharedPatch(const Painted &painted, Paint paint)
 {
-    static QCache<Painted, QImage> cache(256 * 1024);
+    static QCache<Painted, QImage> cache(256LL * 1024);
     if (const QImage *known = cache.object(painted))
         return *known;
     QImage image(painted.size, QImage::Format_ARGB32_Premultiplied);

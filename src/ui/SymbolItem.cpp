@@ -44,7 +44,7 @@ QImage draw(const Drawing &drawing)
 /// Rows of a list show the same few symbols again and again.
 QImage drawn(const Drawing &drawing)
 {
-    static QCache<Drawing, QImage> cache(512 * 1024);
+    static QCache<Drawing, QImage> cache(512LL * 1024);
     if (const QImage *known = cache.object(drawing))
         return *known;
     const QImage image = draw(drawing);

@@ -154,9 +154,8 @@ void TestAlertScheduler::plansAgainWhenItMust_data()
 {
     QTest::addColumn<std::function<void(Desk &)>>("change");
     QTest::addColumn<QString>("expected");
-    const auto row = [](const char *name, std::function<void(Desk &)> change, const QString &expected) {
-        QTest::newRow(name) << std::move(change) << expected;
-    };
+    const auto row = [](const char *name, const std::function<void(Desk &)> &change,
+                        const QString &expected) { QTest::newRow(name) << change << expected; };
     row(
         "another meeting", [](Desk &desk) { desk.events->replace(u"b"_s, { Desk::meeting(u"B"_s, 59) }); },
         u"09:54:00.000"_s);

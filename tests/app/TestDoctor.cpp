@@ -93,11 +93,13 @@ void TestDoctor::namesEachFault_data()
     QTest::addColumn<QString>("finding"); // a whole line without its section
     const Change none = [](Ward &) { };
     const QString fires = u"✓ Your next alert fires at 09:25:00 (in 55 min)."_s; // St. John's
-    const auto before = [&](const char *name, Change change, const QString &verdict, const QString &finding) {
-        QTest::newRow(name) << std::move(change) << none << verdict << finding;
+    const auto before = [&](const char *name, const Change &change, const QString &verdict,
+                            const QString &finding) {
+        QTest::newRow(name) << change << none << verdict << finding;
     };
-    const auto after = [&](const char *name, Change change, const QString &verdict, const QString &finding) {
-        QTest::newRow(name) << none << std::move(change) << verdict << finding;
+    const auto after = [&](const char *name, const Change &change, const QString &verdict,
+                           const QString &finding) {
+        QTest::newRow(name) << none << change << verdict << finding;
     };
 
     before("nothing", none, fires,
@@ -293,8 +295,8 @@ void TestDoctor::showsATestAlert_data()
     QTest::addColumn<Change>("before");
     QTest::addColumn<QString>("finding");
     QTest::addColumn<int>("exitCode");
-    const auto row = [](const char *name, Change before, const QString &finding, int exitCode) {
-        QTest::newRow(name) << std::move(before) << finding << exitCode;
+    const auto row = [](const char *name, const Change &before, const QString &finding, int exitCode) {
+        QTest::newRow(name) << before << finding << exitCode;
     };
     row("a card", [](Ward &) { }, u"✓ shown as a card, 360×[0-9]+ at 1516,62\n"_s, ExitCode::Success);
     row(

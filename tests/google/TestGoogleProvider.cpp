@@ -330,7 +330,7 @@ private Q_SLOTS:
         transport.release();
 
         QVERIFY(QCoro::waitFor(signIn));
-        QCoro::waitFor(fetch);
+        QVERIFY(QCoro::waitFor(fetch));
         QCOMPARE(account.google.secrets.secrets.value(u"google.A.refresh_token"_s), "new");
         QVERIFY(account.google.secrets.secrets.contains(u"google.A.access_token"_s));
         QVERIFY(account.provider->oauth(u"A"_s).isSignedIn());

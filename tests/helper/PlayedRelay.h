@@ -82,7 +82,7 @@ private:
     {
         quint32 length = 0;
         while (client->peek(reinterpret_cast<char *>(&length), sizeof length) == sizeof length
-               && client->bytesAvailable() >= static_cast<qint64>(sizeof length + length)) {
+               && client->bytesAvailable() >= qint64(sizeof length) + length) {
             client->skip(sizeof length);
             const QJsonObject request = QJsonDocument::fromJson(client->read(length)).object();
             requests.append(request);

@@ -95,8 +95,8 @@ private Q_SLOTS:
     {
         QTest::addColumn<std::function<void()>>("spoil");
         QTest::addColumn<QString>("error");
-        const auto row = [](const char *name, std::function<void()> spoil, const QString &error) {
-            QTest::newRow(name) << std::move(spoil) << error;
+        const auto row = [](const char *name, const std::function<void()> &spoil, const QString &error) {
+            QTest::newRow(name) << spoil << error;
         };
         row(
             "no Kestrel", [this] { QFile::remove(m_source + u"/bin/kestrel"_s); },

@@ -5,6 +5,7 @@
 #include <QQuickView>
 #include <QSignalSpy>
 #include <QTest>
+#include <algorithm>
 
 using namespace kestrel;
 using namespace Qt::StringLiterals;
@@ -207,12 +208,12 @@ void TestSettingsWindow::aNumberIsTyped()
     SettingsDesk desk;
     desk.window.show(Tab::Meetings);
     QVERIFY(QTest::qWaitForWindowActive(shownView()));
-    QQuickItem *field = nullptr;
-    for (QQuickItem *item : visibleItems(shownView()->rootObject())) {
-        if (item->inherits("QQuickTextField") && nameOf(item) == u"Width"_s)
-            field = item;
-    }
-    QVERIFY(field);
+    const QList<QQuickItem *> items = visibleItems(shownView()->rootObject());
+    const auto found = std::ranges::find_if(items, [](QQuickItem *item) {
+        return item->inherits("QQuickTextField") && nameOf(item) == u"Width"_s;
+    });
+    QVERIFY(found != items.end());
+    QQuickItem *field = *found;
     const auto type = [&](const char *text) {
         field->forceActiveFocus(Qt::TabFocusReason);
         press(Qt::Key_A, Qt::ControlModifier);

@@ -92,8 +92,8 @@ QList<Trend> trends(const std::vector<Figures> &samples)
              trend(u"descriptors"_s, &Figures::descriptors, 0),
              trend(u"threads"_s, &Figures::threads, 0),
              trend(u"bus matches"_s, &Figures::busMatches, 0),
-             trend(u"heap"_s, &Figures::heap, 256 * 1024 + traces),
-             trend(u"private memory"_s, &Figures::privateMemory, 2 * 1024 * 1024 + traces) };
+             trend(u"heap"_s, &Figures::heap, 256LL * 1024 + traces),
+             trend(u"private memory"_s, &Figures::privateMemory, 2LL * 1024 * 1024 + traces) };
 }
 
 } // namespace kestrel

@@ -117,7 +117,7 @@ QByteArray SoakGoogle::events(const QString &account)
     const qint64 first = (now.time_since_epoch() - 1h) / m_between;
     const qint64 last = (now.time_since_epoch() + 24h) / m_between;
     QByteArray json;
-    json.reserve(256 * 1024);
+    json.reserve(256LL * 1024);
     json += R"({"items":[)";
     bool isFirst = true;
     for (qint64 number = first; number <= last; ++number) {

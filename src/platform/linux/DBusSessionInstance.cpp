@@ -199,4 +199,4 @@ QCoro::Task<void> DBusSessionInstance::answer(QStringList arguments, QDBusConnec
 } // namespace kestrel
 
 // apart from all others, so that the thin program gets none of them
-#include "moc_DBusSessionInstance.cpp"
+#include "moc_DBusSessionInstance.cpp" // NOLINT(bugprone-suspicious-include)
